@@ -1,0 +1,3 @@
+#include "trace/TraceObject.h"
+
+TraceObject* g_traceObject = nullptr;
