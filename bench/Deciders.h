@@ -18,7 +18,7 @@
 #include "EventMgmtRulesCppObjects.h"
 #include "EventMgmtRulesParsing.h"
 #include "LuaInterface.h"
-#include "SubstitutionEvaluator.h"
+#include "rules/SubstitutionEvaluator.h"
 
 template <typename T>
 long long sizeOfChange(T firstSample, T secondSample)
@@ -60,12 +60,15 @@ class SubstitutionDecider {
 public:
     explicit SubstitutionDecider(const std::string& ruleText) : m_rule(parsedRule(ruleText)) {}
 
-    bool checkValue(T sample) const { return substitution::checkValue(m_rule, sample); }
-    bool checkDelta(T first, T second) const { return substitution::checkDelta(m_rule, first, second); }
-    bool checkSingle(T sample, bool state) const { return substitution::checkSingle(m_rule, sample, state); }
+    bool checkValue(T sample) const { return substitution::checkSimpleValueRule(m_rule, sample); }
+    bool checkDelta(T first, T second) const { return substitution::checkSimpleDeltaRule(m_rule, first, second); }
+    bool checkSingle(T sample, bool state) const
+    {
+        return substitution::checkSingleHysteresisRule(m_rule, sample, state);
+    }
     void checkDouble(T sample, bool& upper, bool& lower) const
     {
-        substitution::checkDouble(m_rule, sample, upper, lower);
+        substitution::checkDoubleHysteresisRule(m_rule, sample, upper, lower);
     }
 
 private:
