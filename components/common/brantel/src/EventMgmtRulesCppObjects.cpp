@@ -70,14 +70,13 @@ std::optional<T> substituteAndCheckPair(const Expression& first, const Expressio
     boost::any filledFirst(first);
     boost::any filledSecond(second);
     if (!fillInValue(filledFirst, sample, typeid(ParamField)) ||
-        !fillInValue(filledSecond, sample, typeid(ParamField)) ||
-        !fillInValue(filledFirst, static_cast<T>(previousState), typeid(MemoryField))) {
+        !fillInValue(filledSecond, sample, typeid(ParamField))) {
         return std::nullopt;
     }
+    // What has been filled in once holds known types alone: from here on filling in does not fail.
+    fillInValue(filledFirst, static_cast<T>(previousState), typeid(MemoryField));
     const T intermediateResult = check<T>(filledFirst);
-    if (!fillInValue(filledSecond, intermediateResult, typeid(MemoryField))) {
-        return std::nullopt;
-    }
+    fillInValue(filledSecond, intermediateResult, typeid(MemoryField));
     return check<T>(filledSecond);
 }
 
