@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -127,7 +128,10 @@ std::string LiveCommand::readLine() const
 {
     std::string line;
     char byte = '\0';
-    while ((line.empty() || (line.back() != '\n')) && (read(m_output, &byte, 1) == 1)) {
+    constexpr int DEADLINE_MILLISECONDS = 30000;  // only a command that holds its output back comes near it
+    pollfd output{m_output, POLLIN, 0};
+    while ((line.empty() || (line.back() != '\n')) && (poll(&output, 1, DEADLINE_MILLISECONDS) == 1) &&
+           (read(m_output, &byte, 1) == 1)) {
         line.push_back(byte);
     }
     return line;

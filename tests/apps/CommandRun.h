@@ -47,7 +47,8 @@ public:
     void write(const std::string& text) const;
     void closeInput();
 
-    /// Waits for the next line of output and returns it with its end; what there is, if the output ends before.
+    /// Waits for the next line of output and returns it with its end; what there is, if the output ends before or
+    /// nothing comes for long.
     std::string readLine() const;
 
 private:
