@@ -25,28 +25,6 @@ protected:
         const bool isAccepted = parseBasicExpression(text, isUnsigned, isDelta, nullptr);
         return outcome(isAccepted, isDelta ? "delta" : "value");
     }
-
-    // The lines of a call up to the choice of the operator.
-    static Diagnostics beginning(const char* text, const char* withoutBrackets)
-    {
-        return {lines.debug("parseBasicExpression", "parseBasicExpression='%s'", text),
-                lines.debug("parseBasicExpression", "basicExpression after 1st processing = '%s'", withoutBrackets)};
-    }
-
-    static Diagnostics withPieces(Diagnostics all, const std::vector<const char*>& pieces)
-    {
-        all.push_back(lines.debug("parseBasicExpression", "splitVec.size()=%d", static_cast<int>(pieces.size())));
-        for (std::size_t i = 0; i < pieces.size(); ++i) {
-            all.push_back(lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", static_cast<int>(i), pieces[i]));
-        }
-        return all;
-    }
-
-    static Diagnostics with(Diagnostics all, const std::string& line)
-    {
-        all.push_back(line);
-        return all;
-    }
 };
 
 TEST_F(ParseBasicExpression, KeepsTheOrderOfTheText)
@@ -101,15 +79,15 @@ TEST_F(ParseBasicExpression, RemovesAllRoundBracketsBeforeItLooks)
 {
     const char* const text = "((va)lue)>(=5()";
     expectAtEveryTraceLevel([text] { return parsedBasic(text, false); }, "true value (ParamField >= int 5)",
-                            with(withPieces(beginning(text, "value>=5"), {"value", "5"}),
-                                 lines.debug("handleNumericValue", "numericValue=%d", 5)));
+                            basicExpressionLines(text, "value>=5", {"value", "5"}) +
+                                Diagnostics{lines.debug("handleNumericValue", "numericValue=%d", 5)});
 }
 
 TEST_F(ParseBasicExpression, LogsTheNumberOnlyWhenItStoresIt)
 {
-    const Diagnostics all = withPieces(beginning("7<=delta", "7<=delta"), {"7", "delta"});
+    const Diagnostics all = basicExpressionLines("7<=delta", "7<=delta", {"7", "delta"});
     expectAtEveryTraceLevel([] { return parsedBasic("7<=delta", true); }, "true delta (unsigned 7 <= ParamField)",
-                            with(all, lines.debug("handleNumericValue", "numericValue=%u", 7u)));
+                            all + Diagnostics{lines.debug("handleNumericValue", "numericValue=%u", 7u)});
     expectAtEveryTraceLevel([] { return checkedBasic("7<=delta", true); }, "true delta", all);
 }
 
@@ -118,9 +96,9 @@ TEST_F(ParseBasicExpression, RefusesATextWithoutOperatorAndLeavesTheExpressionAl
     for (const auto& [text, withoutBrackets] : std::vector<std::pair<const char*, const char*>>{
              {"(value)", "value"}, {"", ""}, {"value=5", "value=5"}, {"value!5", "value!5"}}) {
         SCOPED_TRACE(text);
-        const Diagnostics all =
-            with(beginning(text, withoutBrackets),
-                 lines.error("parseBasicExpression", "Failed to find relational operator in expression '%s'", text));
+        const Diagnostics all = basicExpressionLines(text, withoutBrackets, {}) +
+                                Diagnostics{lines.error("parseBasicExpression",
+                                                        "Failed to find relational operator in expression '%s'", text)};
         expectAtEveryTraceLevel([text = text] { return parsedBasic(text, false); }, "false value (empty or empty)",
                                 all);
         expectAtEveryTraceLevel([text = text] { return checkedBasic(text, false); }, "false value", all);
@@ -131,8 +109,8 @@ TEST_F(ParseBasicExpression, RefusesMoreThanTwoPiecesAndLeavesTheOperator)
 {
     const char* const text = "(1<value)<3";
     const Diagnostics all =
-        with(withPieces(beginning(text, "1<value<3"), {"1", "value", "3"}),
-             lines.error("parseBasicExpression", "Failed to get 2 entities of relational expression %s", text));
+        basicExpressionLines(text, "1<value<3", {"1", "value", "3"}) +
+        Diagnostics{lines.error("parseBasicExpression", "Failed to get 2 entities of relational expression %s", text)};
     expectAtEveryTraceLevel([text] { return parsedBasic(text, false); }, "false value (empty < empty)", all);
     expectAtEveryTraceLevel([text] { return checkedBasic(text, false); }, "false value", all);
 }
@@ -141,7 +119,7 @@ TEST_F(ParseBasicExpression, NeedsAFieldWordThatIsAWholeSide)
 {
     struct Case {
         const char* text;
-        std::vector<const char*> pieces;
+        std::vector<std::string> pieces;
         const char* token;
     };
     const std::vector<Case> cases = {
@@ -151,8 +129,9 @@ TEST_F(ParseBasicExpression, NeedsAFieldWordThatIsAWholeSide)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
         const Diagnostics all =
-            with(withPieces(beginning(c.text, c.text), c.pieces),
-                 lines.error("parseBasicExpression", "Expression = '%s' does not contain 'value' or 'delta'", c.text));
+            basicExpressionLines(c.text, c.text, c.pieces) +
+            Diagnostics{
+                lines.error("parseBasicExpression", "Expression = '%s' does not contain 'value' or 'delta'", c.text)};
         expectAtEveryTraceLevel([&c] { return parsedBasic(c.text, false); },
                                 std::string("false value (empty ") + c.token + " empty)", all);
         expectAtEveryTraceLevel([&c] { return checkedBasic(c.text, false); }, "false value", all);
@@ -165,7 +144,7 @@ TEST_F(ParseBasicExpression, LeavesTheFieldBehindWhenTheNumberIsRefused)
         const char* text;
         const char* withoutBrackets;
         bool isUnsigned;
-        std::vector<const char*> pieces;
+        std::vector<std::string> pieces;
         const char* field;
         const char* expression;
         std::string error;
@@ -223,7 +202,7 @@ TEST_F(ParseBasicExpression, LeavesTheFieldBehindWhenTheNumberIsRefused)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
-        const Diagnostics all = with(withPieces(beginning(c.text, c.withoutBrackets), c.pieces), c.error);
+        const Diagnostics all = basicExpressionLines(c.text, c.withoutBrackets, c.pieces) + Diagnostics{c.error};
         expectAtEveryTraceLevel([&c] { return parsedBasic(c.text, c.isUnsigned); },
                                 std::string("false ") + c.field + " " + c.expression, all);
         expectAtEveryTraceLevel([&c] { return checkedBasic(c.text, c.isUnsigned); }, std::string("false ") + c.field,

@@ -45,12 +45,6 @@ protected:
 
 inline const SourceLines EvaluationTest::lines{"EventMgmtRulesCppObjects.cpp"};
 
-inline Diagnostics operator+(Diagnostics first, const Diagnostics& second)
-{
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
-
 }  // namespace vemorRules
 
 #endif

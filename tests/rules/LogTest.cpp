@@ -6,6 +6,13 @@
 
 namespace {
 
+bool writeOneOfEach()
+{
+    LOG_ERROR("an error of %d and '%s'", 7, "text");
+    LOG_DEBUG3("a debug line without arguments");
+    return true;
+}
+
 class LogMacros : public DiagnosticsTest {
 protected:
     int countedArgument() { return ++m_evaluations; }
@@ -16,14 +23,9 @@ protected:
 
 TEST_F(LogMacros, WriteErrorsAboveTwoAndDebugLinesAboveEight)
 {
-    const auto act = [] {
-        LOG_ERROR("an error of %d and '%s'", 7, "text");
-        LOG_DEBUG3("a debug line without arguments");
-        return true;
-    };
-    expectAtEveryTraceLevel(act, true,
-                            {m_lines.error("operator()", "an error of %d and '%s'", 7, "text"),
-                             m_lines.debug("operator()", "a debug line without arguments")});
+    expectAtEveryTraceLevel(writeOneOfEach, true,
+                            {m_lines.error("writeOneOfEach", "an error of %d and '%s'", 7, "text"),
+                             m_lines.debug("writeOneOfEach", "a debug line without arguments")});
 }
 
 TEST_F(LogMacros, EvaluateNoArgumentOfALineThatIsNotWritten)

@@ -131,6 +131,8 @@ struct CopyableOnce {
             throw std::bad_alloc();
         }
     }
+    CopyableOnce& operator=(const CopyableOnce&) = delete;
+    ~CopyableOnce() = default;
     int m_copies = 0;
 };
 
@@ -168,7 +170,8 @@ TEST(Expressions, ReleaseEveryCopyOfAnOperandThatTheyMade)
     Witness::takeEvents();
     {
         const Expression source(LOGICAL_AND, Expression(EQUAL, witness("x"), 1), 2);
-        const Expression copy(source);
+        Expression copy(source);
+        copy.m_relationalOperator = LOGICAL_OR;
         Expression assigned;
         assigned = copy;
     }

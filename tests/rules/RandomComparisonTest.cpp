@@ -58,7 +58,7 @@ public:
     std::string text() const
     {
         char digits[17];
-        std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(m_value));
+        static_cast<void>(std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(m_value)));
         return digits;
     }
 

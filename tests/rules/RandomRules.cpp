@@ -104,7 +104,7 @@ boost::any RandomRules::operand(std::uint32_t depth)
         return (depth > 0) ? boost::any(tree(depth - 1)) : boost::any(ParamField());
     }
     switch (kind) {
-        case 95: return std::string("foreign");
+        case 95: return boost::any(std::string("foreign"));
         case 96: return 1.0;
         case 97: return true;
         default: return boost::any();

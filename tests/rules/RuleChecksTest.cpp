@@ -226,17 +226,17 @@ TEST_F(CheckSimpleDeltaRule, OfSignedSamplesRefusesLargerChangesWithTheLimitBefo
         int second;
         long long delta;
     };
-    const std::vector<Case> cases = {{-1, INT_MAXIMUM, 2147483648ll},
-                                     {INT_MINIMUM, INT_MAXIMUM, 4294967295ll},
-                                     {INT_MAXIMUM, INT_MINIMUM, 4294967295ll},
-                                     {-1500000000, 1500000000, 3000000000ll}};
+    const std::vector<Case> cases = {{-1, INT_MAXIMUM, 2147483648LL},
+                                     {INT_MINIMUM, INT_MAXIMUM, 4294967295LL},
+                                     {INT_MAXIMUM, INT_MINIMUM, 4294967295LL},
+                                     {-1500000000, 1500000000, 3000000000LL}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.delta);
         expectAtEveryTraceLevel(
             [&] { return checkSimpleDeltaRule<int>(rule, c.first, c.second); }, false,
             {deltaLine(static_cast<unsigned long long>(c.delta)),
              lines.error("checkSimpleDeltaRule",
-                         "Delta=%lld but VEMOR does not support deltas larger than %lld in int32_t rules", 2147483647ll,
+                         "Delta=%lld but VEMOR does not support deltas larger than %lld in int32_t rules", 2147483647LL,
                          c.delta)});
     }
     checkSimpleDeltaRule<int>(rule, -1500000000, 1500000000);
@@ -250,7 +250,7 @@ TEST_F(CheckSimpleDeltaRule, OfSignedSamplesRefusesLargerChangesWithTheLimitBefo
 TEST_F(CheckSimpleDeltaRule, OfUnsignedSamplesComparesAnyChange)
 {
     const RuleObject rule = ruleOf("expr=unsigned(delta>4294967294)");
-    const Diagnostics all = {deltaLine(4294967295ull), lines.debug("checkInt", "%s", "x=4294967295: result=1")};
+    const Diagnostics all = {deltaLine(4294967295ULL), lines.debug("checkInt", "%s", "x=4294967295: result=1")};
     expectAtEveryTraceLevel([&] { return checkSimpleDeltaRule<unsigned int>(rule, 0, UINT_MAXIMUM); }, true, all);
     expectAtEveryTraceLevel([&] { return checkSimpleDeltaRule<unsigned int>(rule, UINT_MAXIMUM, 0); }, true, all);
     EXPECT_FALSE(checkSimpleDeltaRule<unsigned int>(rule, 1, UINT_MAXIMUM));

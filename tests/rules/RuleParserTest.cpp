@@ -139,17 +139,11 @@ TEST_F(ParseRule, RefusesEmptyPartsAndKeepsWhatStandsBeforeThem)
 {
     expectAtEveryTraceLevel(
         [] { return parsedRule("expr=signed(value>5);"); }, "false SIMPLE_EXPRESSION_VALUE: (ParamField > int 5)",
-        {lines.debug("parseRule", "part %d = '%s'", 0, "expr=signed(value>5)"),
-         lines.debug("parseExpression", "parseExpression='%s'", "expr=signed(value>5)"),
-         lines.debug("parseExpression", "exprValue='%s'", "value>5"),
-         lines.debug("parseExpression", "basic expression"),
-         lines.debug("parseBasicExpression", "parseBasicExpression='%s'", "value>5"),
-         lines.debug("parseBasicExpression", "basicExpression after 1st processing = '%s'", "value>5"),
-         lines.debug("parseBasicExpression", "splitVec.size()=%d", 2),
-         lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 0, "value"),
-         lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 1, "5"),
-         lines.debug("handleNumericValue", "numericValue=%d", 5), lines.debug("parseRule", "part %d = '%s'", 1, ""),
-         lines.error("parseRule", "Failed to parse part = '%s' of rule = '%s'", "", "expr=signed(value>5);")});
+        basicPartLines(0, "expr=signed(value>5)", "value>5", {"value", "5"}) +
+            Diagnostics{
+                lines.debug("handleNumericValue", "numericValue=%d", 5),
+                lines.debug("parseRule", "part %d = '%s'", 1, ""),
+                lines.error("parseRule", "Failed to parse part = '%s' of rule = '%s'", "", "expr=signed(value>5);")});
     EXPECT_EQ(parsedRule(";expr=signed(value>5)"), "false NO_EXPRESSION");
     EXPECT_EQ(parsedRule("expr=signed(value>1);;expr=signed(value>5)"),
               "false SIMPLE_EXPRESSION_VALUE: (ParamField > int 1)");
@@ -204,70 +198,41 @@ TEST_F(ParseRule, TellsABadNumberInThreeLinesWithTheRuleAsGiven)
 TEST_F(ParseRule, WritesTheThreeLinesOfABadNumberAtTheLevelOfErrors)
 {
     const char* const text = "expr=signed(value>99999999999)";
-    expectAtEveryTraceLevel(
-        [text] { return parsedRule(text); }, "false NO_EXPRESSION",
-        {lines.debug("parseRule", "part %d = '%s'", 0, text),
-         lines.debug("parseExpression", "parseExpression='%s'", text),
-         lines.debug("parseExpression", "exprValue='%s'", "value>99999999999"),
-         lines.debug("parseExpression", "basic expression"),
-         lines.debug("parseBasicExpression", "parseBasicExpression='%s'", "value>99999999999"),
-         lines.debug("parseBasicExpression", "basicExpression after 1st processing = '%s'", "value>99999999999"),
-         lines.debug("parseBasicExpression", "splitVec.size()=%d", 2),
-         lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 0, "value"),
-         lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 1, "99999999999"),
-         lines.error("parseRule", "parseRule() threw bad_lexical_cast:"),
-         lines.error("parseRule", "   - rule = '%s'", text),
-         lines.error("parseRule", "   - info = %s", LEXICAL_CAST_INFO)});
+    expectAtEveryTraceLevel([text] { return parsedRule(text); }, "false NO_EXPRESSION",
+                            basicPartLines(0, text, "value>99999999999", {"value", "99999999999"}) +
+                                Diagnostics{lines.error("parseRule", "parseRule() threw bad_lexical_cast:"),
+                                            lines.error("parseRule", "   - rule = '%s'", text),
+                                            lines.error("parseRule", "   - info = %s", LEXICAL_CAST_INFO)});
 }
 
+// The lines stand here one by one, as they are read in syslog; other tests have them from ParsingTest.
 TEST_F(ParseRule, LogsAWholeUnsignedRuleOfTwoParts)
 {
     const char* const text = "Expr = unsigned( 3 < value );expr=unsigned(delta==4294967295)";
-    RuleObject rule;
-    m_diagnostics.setTraceLevel(EVERYTHING);
-    EXPECT_TRUE(parseRule(text, &rule));
-    EXPECT_EQ(
-        m_diagnostics.take(),
-        (Diagnostics{
-            lines.debug("parseRule", "part %d = '%s'", 0, "expr=unsigned(3<value)"),
-            lines.debug("parseExpression", "parseExpression='%s'", "expr=unsigned(3<value)"),
-            lines.debug("parseExpression", "exprValue='%s'", "3<value"),
-            lines.debug("parseExpression", "basic expression"),
-            lines.debug("parseBasicExpression", "parseBasicExpression='%s'", "3<value"),
-            lines.debug("parseBasicExpression", "basicExpression after 1st processing = '%s'", "3<value"),
-            lines.debug("parseBasicExpression", "splitVec.size()=%d", 2),
-            lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 0, "3"),
-            lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 1, "value"),
-            lines.debug("handleNumericValue", "numericValue=%u", 3u),
-            lines.debug("parseRule", "part %d = '%s'", 1, "expr=unsigned(delta==4294967295)"),
-            lines.debug("parseExpression", "parseExpression='%s'", "expr=unsigned(delta==4294967295)"),
-            lines.debug("parseExpression", "exprValue='%s'", "delta==4294967295"),
-            lines.debug("parseExpression", "basic expression"),
-            lines.debug("parseBasicExpression", "parseBasicExpression='%s'", "delta==4294967295"),
-            lines.debug("parseBasicExpression", "basicExpression after 1st processing = '%s'", "delta==4294967295"),
-            lines.debug("parseBasicExpression", "splitVec.size()=%d", 2),
-            lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 0, "delta"),
-            lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 1, "4294967295"),
-            lines.debug("handleNumericValue", "numericValue=%u", 4294967295u),
-        }));
+    const Diagnostics first = {
+        lines.debug("parseRule", "part %d = '%s'", 0, "expr=unsigned(3<value)"),
+        lines.debug("parseExpression", "parseExpression='%s'", "expr=unsigned(3<value)"),
+        lines.debug("parseExpression", "exprValue='%s'", "3<value"),
+        lines.debug("parseExpression", "basic expression"),
+        lines.debug("parseBasicExpression", "parseBasicExpression='%s'", "3<value"),
+        lines.debug("parseBasicExpression", "basicExpression after 1st processing = '%s'", "3<value"),
+        lines.debug("parseBasicExpression", "splitVec.size()=%d", 2),
+        lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 0, "3"),
+        lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 1, "value"),
+        lines.debug("handleNumericValue", "numericValue=%u", 3u),
+    };
+    const Diagnostics second =
+        basicPartLines(1, "expr=unsigned(delta==4294967295)", "delta==4294967295", {"delta", "4294967295"}) +
+        Diagnostics{lines.debug("handleNumericValue", "numericValue=%u", 4294967295u)};
+    expectAtEveryTraceLevel(
+        [text] { return parsedRule(text); },
+        "true SIMPLE_EXPRESSION_DELTA: (unsigned 3 < ParamField), (ParamField == unsigned 4294967295)", first + second);
 }
 
 TEST_F(ParseRule, LogsNoStoredNumberWhenItOnlyChecks)
 {
-    m_diagnostics.setTraceLevel(EVERYTHING);
-    EXPECT_TRUE(parseRule("expr=signed(value>5)", nullptr));
-    EXPECT_EQ(m_diagnostics.take(),
-              (Diagnostics{
-                  lines.debug("parseRule", "part %d = '%s'", 0, "expr=signed(value>5)"),
-                  lines.debug("parseExpression", "parseExpression='%s'", "expr=signed(value>5)"),
-                  lines.debug("parseExpression", "exprValue='%s'", "value>5"),
-                  lines.debug("parseExpression", "basic expression"),
-                  lines.debug("parseBasicExpression", "parseBasicExpression='%s'", "value>5"),
-                  lines.debug("parseBasicExpression", "basicExpression after 1st processing = '%s'", "value>5"),
-                  lines.debug("parseBasicExpression", "splitVec.size()=%d", 2),
-                  lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 0, "value"),
-                  lines.debug("parseBasicExpression", "- splitVec[%d]='%s'", 1, "5"),
-              }));
+    expectAtEveryTraceLevel([] { return parseRule("expr=signed(value>5)", nullptr); }, true,
+                            basicPartLines(0, "expr=signed(value>5)", "value>5", {"value", "5"}));
 }
 
 TEST_F(ParseRule, LogsAWholeDoubleHysteresisRule)

@@ -126,7 +126,7 @@ bool fillInValue(boost::any& operand, T value, const std::type_info& typeInfo)
         return true;
     }
     if (operand.type() == typeid(Expression)) {
-        Expression copy = boost::any_cast<Expression>(operand);
+        auto copy = boost::any_cast<Expression>(operand);
         if (!fillInValue<T>(copy.m_leftOperand, value, typeInfo)) {
             return false;
         }
@@ -155,7 +155,7 @@ T check(const boost::any& operand)
         return static_cast<T>(boost::any_cast<unsigned int>(operand));
     }
     if (operand.type() == typeid(Expression)) {
-        const Expression copy = boost::any_cast<Expression>(operand);
+        const auto copy = boost::any_cast<Expression>(operand);
         const T left = check<T>(copy.m_leftOperand);
         const T right = check<T>(copy.m_rightOperand);
         switch (static_cast<int>(copy.m_relationalOperator)) {
@@ -224,7 +224,7 @@ bool checkSimpleDeltaRule(const RuleObject& rule, T firstSample, T secondSample)
         error(
             "[ERROR] %s:%d (%s) - Delta=%lld but VEMOR does not support deltas larger than %lld in int32_t "
             "rules",
-            "checkSimpleDeltaRule", 2147483647ll, static_cast<long long>(delta));
+            "checkSimpleDeltaRule", 2147483647LL, static_cast<long long>(delta));
         return false;
     }
     return substitution::checkInt<T>(rule.m_expressions[0], static_cast<T>(delta));

@@ -102,6 +102,7 @@ TEST(ThreadsWithTheirOwnRules, ParseAtOnce)
 {
     std::vector<std::string> parsed(THREADS);
     std::vector<std::thread> threads;
+    threads.reserve(THREADS);
     for (std::string& text : parsed) {
         threads.emplace_back([&text] {
             for (int i = 0; i < 50; ++i) {

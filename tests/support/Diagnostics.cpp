@@ -26,7 +26,7 @@ void capture(std::string text)
 std::string formatted(const char* format, va_list arguments)
 {
     char text[4096];
-    std::vsnprintf(text, sizeof text, format, arguments);
+    static_cast<void>(std::vsnprintf(text, sizeof text, format, arguments));
     return text;
 }
 
@@ -60,6 +60,7 @@ bool startsWith(const std::string& text, const std::string& start)
 }  // namespace
 
 // Takes the place of the C library's for the whole test program.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format, ...)
 {
     const std::string formatText = format;
@@ -114,6 +115,12 @@ std::string SourceLines::debug(const char* function, const char* format, ...) co
     const std::string message = formatted(format, arguments);
     va_end(arguments);
     return debugLine(m_file, function, format, message);
+}
+
+Diagnostics operator+(Diagnostics first, const Diagnostics& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
 }
 
 Diagnostics writtenAt(std::int32_t traceLevel, const Diagnostics& all)

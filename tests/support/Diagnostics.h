@@ -36,6 +36,9 @@ private:
     std::string m_file;
 };
 
+// Both in order.
+Diagnostics operator+(Diagnostics first, const Diagnostics& second);
+
 // What of `all` is written at `traceLevel`: error lines above 2, debug lines above 8, reports always.
 Diagnostics writtenAt(std::int32_t traceLevel, const Diagnostics& all);
 

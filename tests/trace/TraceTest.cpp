@@ -52,8 +52,12 @@ void rememberCall(const char* condition, const char* file, int line, const char*
 class LogAssertFailed : public DiagnosticsTest {
 protected:
     // The fixture's capture has a handler of its own installed; these tests start without one.
-    LogAssertFailed() : m_pHandlerOfTheFixture(setAssertFailedHandler(nullptr)) { calls.clear(); }
-    ~LogAssertFailed() override { setAssertFailedHandler(m_pHandlerOfTheFixture); }
+    void SetUp() override
+    {
+        m_pHandlerOfTheFixture = setAssertFailedHandler(nullptr);
+        calls.clear();
+    }
+    void TearDown() override { setAssertFailedHandler(m_pHandlerOfTheFixture); }
 
     static int reportOnce()
     {
@@ -65,7 +69,7 @@ protected:
         "3 Assertion '%s' failed: %s:%d (%s) => Assertion 'slot < 10' failed: src/Unit.cpp:42 (bool check(int))";
 
 private:
-    AssertFailedHandler m_pHandlerOfTheFixture;
+    AssertFailedHandler m_pHandlerOfTheFixture = nullptr;
 };
 
 TEST_F(LogAssertFailed, WritesOneSyslogLineAtPriorityErrorWhateverTheTraceLevel)
@@ -94,7 +98,7 @@ TEST_F(LogAssertFailed, CallsAHandlerThatIsPutBack)
 {
     setAssertFailedHandler(rememberCall);
     const AssertFailedHandler before =
-        setAssertFailedHandler([](const char*, const char*, int, const char*) { calls.push_back("other"); });
+        setAssertFailedHandler([](const char*, const char*, int, const char*) { calls.emplace_back("other"); });
     reportOnce();
     setAssertFailedHandler(before);
     reportOnce();
