@@ -54,7 +54,6 @@ std::set<std::string> readPublicKeys(const std::string& path)
 {
     std::set<std::string> keys;
     readTextFile(path, [&keys](const std::vector<std::string>& words) {
-        // A keyword in front, because a key may start with the # of a comment.
         if ((words.front() != "client") || (words.size() < 2) || !isKey(words[1])) {
             throw LineError("not 'client KEY' with a key of 40 characters");
         }

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <thread>
 
 #include <zmq.hpp>
 
@@ -34,6 +35,8 @@ constexpr int CONNECT_TIMEOUT_MS = 3000;
 
 // How long answers may take to leave after their service is destroyed.
 constexpr int SERVICE_LINGER_MS = 200;
+
+constexpr std::chrono::milliseconds PORT_WAIT{1000};
 
 constexpr int MAX_WAIT_MS = 3600 * 1000;  // longer waits are made of several
 
@@ -164,6 +167,18 @@ void setOwnKeys(zmq::socket_t& socket, const std::string& keyFile)
     const KeyPair keys = readKeyPair(keyFile);
     socket.set(zmq::sockopt::curve_publickey, keys.publicKey);
     socket.set(zmq::sockopt::curve_secretkey, keys.secretKey);
+}
+
+// A predecessor in this process gives its port up in the background: that is waited for.
+void bind(zmq::socket_t& socket, const std::string& endpoint)
+{
+    const Clock::time_point deadline = Clock::now() + PORT_WAIT;
+    while (zmq_bind(socket.handle(), endpoint.c_str()) != 0) {
+        if ((errno != EADDRINUSE) || (Clock::now() >= deadline)) {
+            throw std::runtime_error("'" + endpoint + "' cannot be served: " + zmq_strerror(errno));
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
 }
 
 bool hasEvent(const zmq::socket_t& socket, int event)
@@ -301,11 +316,7 @@ ServiceSocket::ServiceSocket(const Route& route, const std::string& serviceName)
         m_pImpl->listener.emplace(route.endpoint.substr(std::strlen(IPC)));
         socket.set(zmq::sockopt::use_fd, m_pImpl->listener->socket());
     }
-    try {
-        socket.bind(route.endpoint);
-    } catch (const zmq::error_t& error) {
-        throw std::runtime_error("'" + route.endpoint + "' cannot be served: " + error.what());
-    }
+    bind(socket, route.endpoint);
     if (m_pImpl->listener) {
         m_pImpl->listener->releaseSocket();
     }
