@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -115,8 +116,23 @@ TEST_F(SynchronousCall, ReachesAServiceThatWentAndCameBack)
     subscribe();
     for (int life = 0; life < 3; ++life) {
         const ServedCard card(SERVICE);
-        EXPECT_EQ(read(m_proxy, "request"), "returned 0, result 0, 'read request 5'") << life;
+        EXPECT_EQ(readUntilAnswered(m_proxy, "request"), "returned 0, result 0, 'read request 5'") << life;
     }
+}
+
+TEST_F(SynchronousCall, FailsAtOnceWhenTheServiceDies)
+{
+    OBcomponent service("card");
+    std::unique_ptr<TestCard> pCard;
+    pCard = std::make_unique<TestCard>(service, SERVICE,
+                                       [&pCard](TestCard&, const OBmessage&, const buffer_t&) { pCard.reset(); });
+    std::thread dispatching([&service] { dispatchMessages(service, 1); });
+    subscribe();
+    m_proxy.setReplyWaitTime(60);
+    const Stopwatch watch;
+    EXPECT_EQ(read(m_proxy, "request"), "returned -1, result 99, 'request'");
+    EXPECT_LT(watch.seconds(), 10.0);
+    dispatching.join();
 }
 
 TEST_F(SynchronousCall, IsNotCarriedOutByAServiceThatComesLater)

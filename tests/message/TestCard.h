@@ -115,6 +115,16 @@ inline std::string read(OBappsToICSC_1_0_P& proxy, const std::string& text, int 
     return outcomeOf(returned, result, tlvs);
 }
 
+// Right after a service went, a call may still be sent to it and fail.
+inline std::string readUntilAnswered(OBappsToICSC_1_0_P& proxy, const std::string& text)
+{
+    std::string outcome = read(proxy, text);
+    for (int attempt = 1; (attempt < 5) && (outcome.find("returned -1") == 0); ++attempt) {
+        outcome = read(proxy, text);
+    }
+    return outcome;
+}
+
 inline std::string write(OBappsToICSC_1_0_P& proxy, const std::string& text, int timeout = 5)
 {
     int result = 99;

@@ -24,8 +24,12 @@ namespace {
 constexpr std::int64_t MAX_MESSAGE_LENGTH = 16384;
 
 // A service that comes back is found again within this time.
-constexpr int MIN_RECONNECT_INTERVAL_MS = 20;
+constexpr int MIN_RECONNECT_INTERVAL_MS = 50;
 constexpr int MAX_RECONNECT_INTERVAL_MS = 500;
+
+// How often a caller that waits looks whether the connection is still there: often enough to see that it was lost
+// before it is made again.
+constexpr int CONNECTION_CHECK_INTERVAL_MS = 20;
 
 // Peers on other hosts can vanish without a word.
 constexpr int HEARTBEAT_INTERVAL_MS = 2000;
@@ -208,15 +212,6 @@ struct CallerSocket::Impl {
     std::shared_ptr<Context> pContext = Context::ofProcess();
     zmq::socket_t socket = pContext->makeSocket(zmq::socket_type::dealer);
     zmq::message_t message;
-    int receiveTimeout = -1;
-
-    void setReceiveTimeout(int timeout)
-    {
-        if (receiveTimeout != timeout) {
-            socket.set(zmq::sockopt::rcvtimeo, timeout);
-            receiveTimeout = timeout;
-        }
-    }
 };
 
 CallerSocket::CallerSocket(const Route& route) : m_pImpl(std::make_unique<Impl>())
@@ -224,6 +219,7 @@ CallerSocket::CallerSocket(const Route& route) : m_pImpl(std::make_unique<Impl>(
     zmq::socket_t& socket = m_pImpl->socket;
     setCommonOptions(socket, route.endpoint);
     socket.set(zmq::sockopt::linger, 0);
+    socket.set(zmq::sockopt::rcvtimeo, CONNECTION_CHECK_INTERVAL_MS);
     socket.set(zmq::sockopt::immediate, true);  // nothing is queued for a service that is not there
     socket.set(zmq::sockopt::reconnect_ivl, MIN_RECONNECT_INTERVAL_MS);
     socket.set(zmq::sockopt::reconnect_ivl_max, MAX_RECONNECT_INTERVAL_MS);
@@ -262,16 +258,16 @@ bool CallerSocket::send(ByteView header, ByteView payload, Clock::time_point dea
 
 bool CallerSocket::receive(Clock::time_point deadline)
 {
-    int wait = 0;
-    do {
-        wait = waitUntil(deadline);
-        m_pImpl->setReceiveTimeout(wait);
-        if (receivePart(m_pImpl->socket, m_pImpl->message, 0)) {
-            dropFurtherParts(m_pImpl->socket, m_pImpl->message);
-            return true;
+    zmq::socket_t& socket = m_pImpl->socket;
+    int wait = waitUntil(deadline);
+    while (!receivePart(socket, m_pImpl->message, (wait == 0) ? ZMQ_DONTWAIT : 0)) {
+        if (!isWorthAnotherTry(errno, wait) || !hasEvent(socket, ZMQ_POLLOUT)) {
+            return false;
         }
-    } while (isWorthAnotherTry(errno, wait));
-    return false;
+        wait = waitUntil(deadline);
+    }
+    dropFurtherParts(socket, m_pImpl->message);
+    return true;
 }
 
 ByteView CallerSocket::message() const

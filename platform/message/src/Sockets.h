@@ -40,7 +40,8 @@ public:
     /// is not.
     bool send(ByteView header, ByteView payload, Clock::time_point deadline);
 
-    /// Receives one message into message(). Waits until `deadline` at most; false if none came.
+    /// Receives one message into message(). Waits until `deadline` at most, or until the connection is lost and with it
+    /// whatever was under way; false if none came.
     bool receive(Clock::time_point deadline);
 
     /// The message received last.
