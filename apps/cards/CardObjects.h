@@ -1,8 +1,8 @@
 #ifndef APPS_CARDS_CARD_OBJECTS_H
 #define APPS_CARDS_CARD_OBJECTS_H
 
-// What a card is made of: its objects by OID, each able to tell its value and, if it is writable, to check and take one.
-// The functions below add the objects of one source each.
+// What a card is made of: its objects by OID, each able to tell its value and, if it is writable, to check and take
+// one. The functions below add the objects of one source each.
 
 #include <cstdint>
 #include <functional>

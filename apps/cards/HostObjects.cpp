@@ -253,8 +253,8 @@ void addNetwork(CardObjects& objects)
         std::uint32_t oid;
         std::size_t column;
     } entries[] = {
-        {oids::NETWORK_RX_BYTES, 0},  {oids::NETWORK_RX_PACKETS, 1}, {oids::NETWORK_RX_ERRORS, 2},
-        {oids::NETWORK_RX_DROPPED, 3}, {oids::NETWORK_TX_BYTES, 8},   {oids::NETWORK_TX_PACKETS, 9},
+        {oids::NETWORK_RX_BYTES, 0},   {oids::NETWORK_RX_PACKETS, 1},  {oids::NETWORK_RX_ERRORS, 2},
+        {oids::NETWORK_RX_DROPPED, 3}, {oids::NETWORK_TX_BYTES, 8},    {oids::NETWORK_TX_PACKETS, 9},
         {oids::NETWORK_TX_ERRORS, 10}, {oids::NETWORK_TX_DROPPED, 11},
     };
     for (const auto& entry : entries) {

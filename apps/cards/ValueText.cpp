@@ -17,10 +17,10 @@ struct TypeName {
 };
 
 constexpr TypeName TYPE_NAMES[] = {
-    {OID_TYPE_UINT64, "uint64"}, {OID_TYPE_UINT32, "uint32"}, {OID_TYPE_UINT16, "uint16"},
-    {OID_TYPE_UINT8, "uint8"},   {OID_TYPE_INT64, "int64"},   {OID_TYPE_INT32, "int32"},
-    {OID_TYPE_INT16, "int16"},   {OID_TYPE_INT8, "int8"},     {OID_TYPE_BOOL, "bool"},
-    {OID_TYPE_STRING, "string"}, {OID_TYPE_BUFFER, "buffer"}, {OID_TYPE_IPV4_ADDRESS, "ipv4"},
+    {OID_TYPE_UINT64, "uint64"},   {OID_TYPE_UINT32, "uint32"}, {OID_TYPE_UINT16, "uint16"},
+    {OID_TYPE_UINT8, "uint8"},     {OID_TYPE_INT64, "int64"},   {OID_TYPE_INT32, "int32"},
+    {OID_TYPE_INT16, "int16"},     {OID_TYPE_INT8, "int8"},     {OID_TYPE_BOOL, "bool"},
+    {OID_TYPE_STRING, "string"},   {OID_TYPE_BUFFER, "buffer"}, {OID_TYPE_IPV4_ADDRESS, "ipv4"},
     {OID_TYPE_MAC_ADDRESS, "mac"},
 };
 
@@ -138,15 +138,15 @@ std::string textOfInteger(const boost::any& value)
 
 std::string nameOfType(OidValueType type)
 {
-    const auto* const pEntry =
-        std::find_if(std::begin(TYPE_NAMES), std::end(TYPE_NAMES), [type](const TypeName& t) { return t.type == type; });
+    const auto* const pEntry = std::find_if(std::begin(TYPE_NAMES), std::end(TYPE_NAMES),
+                                            [type](const TypeName& t) { return t.type == type; });
     return (pEntry == std::end(TYPE_NAMES)) ? "type " + std::to_string(type) : pEntry->name;
 }
 
 std::optional<OidValueType> typeOfName(const std::string& name)
 {
-    const auto* const pEntry =
-        std::find_if(std::begin(TYPE_NAMES), std::end(TYPE_NAMES), [&name](const TypeName& t) { return t.name == name; });
+    const auto* const pEntry = std::find_if(std::begin(TYPE_NAMES), std::end(TYPE_NAMES),
+                                            [&name](const TypeName& t) { return t.name == name; });
     return (pEntry == std::end(TYPE_NAMES)) ? std::nullopt : std::optional(pEntry->type);
 }
 

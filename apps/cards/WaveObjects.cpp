@@ -116,8 +116,8 @@ private:
         if (!node["high"]) {
             signal.high = signal.low;
         }
-        const bool isInRange = (signal.low >= limits.lowest) && (signal.high >= signal.low) &&
-                               (signal.high <= limits.highest);
+        const bool isInRange =
+            (signal.low >= limits.lowest) && (signal.high >= signal.low) && (signal.high <= limits.highest);
         if (signal.name.empty() || !isInRange || !(signal.period > 0) || !std::isfinite(signal.period) ||
             !std::isfinite(signal.phase)) {
             throwAt(node, "a signal needs a name, low and high in order and within its type, and a period above 0");
@@ -187,13 +187,13 @@ void addWaveObjects(CardObjects& objects, const std::string& file)
     const auto start = std::chrono::steady_clock::now();
     std::uint32_t index = 0;
     for (const Signal& signal : DescriptionReader(file).signals()) {
-        objects[oids::WAVE_SIGNAL + index] = {
-            signal.type,
-            [signal, start] {
-                const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-                return valueOf(signal, elapsed.count());
-            },
-            nullptr, nullptr};
+        objects[oids::WAVE_SIGNAL + index] = {signal.type,
+                                              [signal, start] {
+                                                  const std::chrono::duration<double> elapsed =
+                                                      std::chrono::steady_clock::now() - start;
+                                                  return valueOf(signal, elapsed.count());
+                                              },
+                                              nullptr, nullptr};
         addConstant(objects, oids::WAVE_LABEL + index, OID_TYPE_STRING, signal.name);
         ++index;
     }
