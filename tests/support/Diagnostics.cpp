@@ -2,7 +2,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <regex>
 #include <utility>
 
 #include <syslog.h>
@@ -18,10 +17,18 @@ std::string formatted(const char* format, va_list arguments)
     return text;
 }
 
+// "[TAG] file.cpp:123 (function) ..." with "#" in place of the number; other texts stay as they are.
 std::string withoutLineNumber(const std::string& text)
 {
-    static const std::regex lineNumber(R"(^(\[\w+\] [^:]+):[1-9]\d* \()");
-    return std::regex_replace(text, lineNumber, "$1:# (");
+    const std::size_t posColon = text.find(':');
+    const std::size_t posBracket = text.find(" (", posColon);
+    if ((text.compare(0, 1, "[") != 0) || (posColon == std::string::npos) || (posBracket == std::string::npos)) {
+        return text;
+    }
+    const std::string number = text.substr(posColon + 1, posBracket - posColon - 1);
+    const bool isLineNumber =
+        !number.empty() && (number[0] != '0') && (number.find_first_not_of("0123456789") == std::string::npos);
+    return isLineNumber ? text.substr(0, posColon + 1) + "#" + text.substr(posBracket) : text;
 }
 
 void captureReport(const char* condition, const char* file, int line, const char* function)
