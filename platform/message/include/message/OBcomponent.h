@@ -23,7 +23,7 @@
 #include "message/MessageExport.h"
 
 namespace obmessage {
-class Node;
+class Dispatcher;
 }
 
 class MESSAGE_EXPORT OBcomponent {
@@ -64,7 +64,7 @@ private:
     friend class OBproxy;
     friend class OBconnection;
 
-    std::shared_ptr<obmessage::Node> m_pNode;
+    std::shared_ptr<obmessage::Dispatcher> m_pDispatcher;
 };
 
 #endif

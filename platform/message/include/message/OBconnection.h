@@ -28,6 +28,9 @@ public:
 
     const std::string& serviceName() const;
 
+    /// Where it serves, as in tcp://127.0.0.1:5601; a port that was left open with * is the one that it got.
+    std::string endpoint() const;
+
     /// Answers a request, which may be done once, inside its handler or later. Returns false if it is not open: it was
     /// answered, given up, or its time is over; also if the caller is no longer there to take the answer.
     bool reply(const OBmessage& request, const buffer_t& payload, int result);
@@ -43,13 +46,10 @@ protected:
     /// is none, an endpoint that is refused or taken by another connection, keys that cannot be used.
     OBconnection(OBcomponent& component, const char* serviceName, const OBinterface& interface);
 
-    /// Called for each request of the interface, on the component's thread. An exception is logged and answered with
-    /// the result INTERNAL_ERROR. The default logs that it should never be called, and answers the same.
+    /// Called for each request of the interface, on the component's thread. It may destroy this connection as its last
+    /// act. An exception is logged and answered with the result INTERNAL_ERROR. The default logs that it should never
+    /// be called, and answers the same.
     virtual void requestReceived(const OBmessage& request, const buffer_t& payload);
-
-    /// What a handler that no derived class overrides does: logs that `function` should never be called, and answers
-    /// the result INTERNAL_ERROR.
-    void handlerMissing(const OBmessage& request, const char* function);
 
 private:
     class Service;

@@ -12,8 +12,9 @@
 //                    dispatch of the component. Each request that was sent is answered exactly once: with the result
 //                    TIMEOUT if nothing came within the reply wait time
 //
-// A request is sent once and only to a service that is there; it is never kept for one that may come, so a call that
-// failed is not carried out later. An answer that comes too late or belongs to nobody is dropped and counted.
+// A request is sent once, and only to a service that is there: it is not kept for one that may come later. A call that
+// failed may have been carried out nevertheless, if it was the answer that got lost. An answer that comes too late or
+// belongs to no call is dropped and counted.
 
 #include <cstdint>
 #include <memory>
@@ -25,7 +26,7 @@
 class OBcomponent;
 
 namespace obmessage {
-class Node;
+class Dispatcher;
 }
 
 /// Receives the answers of asynchronous calls. Must outlive the proxies that it is subscribed with.
@@ -73,10 +74,9 @@ private:
     class SynchronousSubscription;
     class AsynchronousSubscription;
 
-    template <typename MakeSubscription>
-    int subscribe(const char* name, MakeSubscription makeSubscription);
+    int subscribe(const char* name, OBproxyReplyInterface* pReply);
 
-    std::shared_ptr<obmessage::Node> m_pNode;
+    std::shared_ptr<obmessage::Dispatcher> m_pDispatcher;
     std::unique_ptr<Subscription> m_pSubscription;
     int m_replyWaitTime = 7;
 };
