@@ -5,64 +5,86 @@
 
 namespace {
 
-// A stream is an array of values, a value an array of its OID, the index of its type and itself.
+using Packer = msgpack::packer<msgpack::sbuffer>;
+
+// A stream is an array of values, a value an array of its OID, its type code and itself.
+void pack(Packer& packer, const OidTypeValue& value)
+{
+    packer.pack_array(3);
+    packer.pack_uint32(value.oid);
+    packer.pack_uint8(static_cast<std::uint8_t>(value.type));
+    switch (value.type) {
+        case OID_TYPE_UINT32: packer.pack(boost::any_cast<unsigned int>(value.value)); break;
+        case OID_TYPE_INT32: packer.pack(boost::any_cast<int>(value.value)); break;
+        case OID_TYPE_UINT64: packer.pack(boost::any_cast<unsigned long long>(value.value)); break;
+        default: packer.pack(boost::any_cast<const std::string&>(value.value)); break;
+    }
+}
+
+void add(OidTypeValueMap& values, const msgpack::object& element)
+{
+    const msgpack::object* const pParts = element.via.array.ptr;
+    const auto oid = pParts[0].as<std::uint32_t>();
+    const auto type = static_cast<OidValueType>(pParts[1].as<std::uint8_t>());
+    const msgpack::object& value = pParts[2];
+    switch (type) {
+        case OID_TYPE_UINT32: addValue(values, oid, type, value.as<unsigned int>()); break;
+        case OID_TYPE_INT32: addValue(values, oid, type, value.as<int>()); break;
+        case OID_TYPE_UINT64: addValue(values, oid, type, value.as<unsigned long long>()); break;
+        default: addValue(values, oid, type, value.as<std::string>()); break;
+    }
+}
+
 class MsgpackCodec : public Codec {
 public:
-    explicit MsgpackCodec(const SampleValues& values) : m_values(values) {}
-
-    bool encode() override
+    bool encode(const OidTypeValueContainer& values) override
     {
         m_bytes.clear();
-        msgpack::packer<msgpack::sbuffer> packer(m_bytes);
-        packer.pack_array(static_cast<std::uint32_t>(m_values.size()));
-        for (const SampleValue& sample : m_values) {
-            packer.pack_array(3);
-            packer.pack(sample.oid);
-            packer.pack(static_cast<std::uint8_t>(sample.value.index()));
-            std::visit([&packer](const auto& value) { packer.pack(value); }, sample.value);
+        Packer packer(m_bytes);
+        packer.pack_array(static_cast<std::uint32_t>(values.size()));
+        for (const OidTypeValue& value : values) {
+            pack(packer, value);
         }
         return true;
     }
 
-    bool decode() override
+    bool decode(OidTypeValueMap& values) override
+    {
+        if (!decodeOwn()) {
+            return false;
+        }
+        const msgpack::object_array& elements = m_decoded->via.array;
+        for (std::uint32_t i = 0; i < elements.size; ++i) {
+            add(values, elements.ptr[i]);
+        }
+        return true;
+    }
+
+    std::size_t encodedSize() const override { return m_bytes.size(); }
+    bool hasOwnForm() const override { return true; }
+
+    // From the objects that decodeOwn() made: encode() makes none.
+    bool encodeOwn() override
+    {
+        m_bytes.clear();
+        msgpack::pack(m_bytes, m_decoded.get());
+        return true;
+    }
+
+    bool decodeOwn() override
     {
         m_decoded = msgpack::unpack(m_bytes.data(), m_bytes.size());
         return m_decoded->type == msgpack::type::ARRAY;
     }
 
-    std::size_t encodedSize() const override { return m_bytes.size(); }
-
-    SampleValues decoded() const override
-    {
-        SampleValues values;
-        const msgpack::object_array& elements = m_decoded->via.array;
-        for (std::uint32_t i = 0; i < elements.size; ++i) {
-            const msgpack::object* const pParts = elements.ptr[i].via.array.ptr;
-            values.push_back({pParts[0].as<std::uint32_t>(), valueOf(pParts[1].as<unsigned int>(), pParts[2])});
-        }
-        return values;
-    }
-
 private:
-    static decltype(SampleValue::value) valueOf(unsigned int type, const msgpack::object& value)
-    {
-        switch (type) {
-            case 0: return value.as<std::uint32_t>();
-            case 1: return value.as<std::int32_t>();
-            case 2: return value.as<std::uint64_t>();
-            case 3: return value.as<bool>();
-            default: return value.as<std::string>();
-        }
-    }
-
-    const SampleValues m_values;
     msgpack::sbuffer m_bytes;
     msgpack::object_handle m_decoded;
 };
 
 }  // namespace
 
-std::unique_ptr<Codec> makeMsgpackCodec(const SampleValues& values)
+std::unique_ptr<Codec> makeMsgpackCodec()
 {
-    return std::make_unique<MsgpackCodec>(values);
+    return std::make_unique<MsgpackCodec>();
 }

@@ -1,168 +1,129 @@
+#include "Codec.h"
+
+#include <algorithm>
+#include <iterator>
+
+// Behind all others: they claim names like "oid".
 #include <net-snmp/net-snmp-config.h>
 
 #include <net-snmp/net-snmp-includes.h>
 
-#include <algorithm>
-#include <cstring>
-#include <iterator>
-
-#include "Codec.h"
-
 namespace {
 
-// Where the OIDs of the cards stand in the tree of names, as those of any maker: under one enterprise.
+// Where the OIDs of the cards stand in the tree of names, as those of any maker do: under one enterprise.
 constexpr oid ENTERPRISE[] = {1, 3, 6, 1, 4, 1, 54321};
 constexpr std::size_t NAME_LENGTH = std::size(ENTERPRISE) + 1;
 
-// A variable of a request or an answer: its name, and its value as the library of the protocol takes it.
-struct Variable {
-    oid name[NAME_LENGTH] = {};
-    u_char type = 0;
-    union {
-        u_long unsigned32;
-        long signed32;
-        struct counter64 unsigned64;
-        u_char text[16];
-    } value = {};
-    std::size_t length = 0;
-};
-
-Variable toVariable(const SampleValue& sample)
-{
-    Variable variable;
-    std::copy(std::begin(ENTERPRISE), std::end(ENTERPRISE), variable.name);
-    variable.name[std::size(ENTERPRISE)] = sample.oid;
-    std::visit(Overloaded{
-                   [&](std::uint32_t value) {
-                       variable.type = ASN_GAUGE;
-                       variable.length = sizeof variable.value.unsigned32;
-                       variable.value.unsigned32 = value;
-                   },
-                   [&](std::int32_t value) {
-                       variable.type = ASN_INTEGER;
-                       variable.length = sizeof variable.value.signed32;
-                       variable.value.signed32 = value;
-                   },
-                   [&](std::uint64_t value) {
-                       variable.type = ASN_COUNTER64;
-                       variable.length = sizeof variable.value.unsigned64;
-                       variable.value.unsigned64.high = static_cast<u_long>(value >> 32);
-                       variable.value.unsigned64.low = static_cast<u_long>(value & 0xFFFFFFFF);
-                   },
-                   [&](bool value) {  // a TruthValue: 1 is true, 2 is false
-                       variable.type = ASN_INTEGER;
-                       variable.length = sizeof variable.value.signed32;
-                       variable.value.signed32 = value ? 1 : 2;
-                   },
-                   [&](const std::string& value) {
-                       variable.type = ASN_OCTET_STR;
-                       variable.length = std::min(value.size(), sizeof variable.value.text);
-                       std::memcpy(variable.value.text, value.data(), variable.length);
-                   },
-               },
-               sample.value);
-    return variable;
-}
-
 class NetSnmpCodec : public Codec {
 public:
-    explicit NetSnmpCodec(const SampleValues& values) : m_samples(values), m_decoded(values.size())
+    NetSnmpCodec() { std::copy(std::begin(ENTERPRISE), std::end(ENTERPRISE), m_name); }
+
+    bool encode(const OidTypeValueContainer& values) override
     {
-        std::transform(values.begin(), values.end(), std::back_inserter(m_values), toVariable);
+        m_pNext = m_bytes;
+        m_left = sizeof m_bytes;
+        return std::all_of(values.begin(), values.end(), [this](const OidTypeValue& value) { return build(value); });
     }
 
-    bool encode() override
+    bool decode(OidTypeValueMap& values) override
     {
-        u_char* pNext = m_bytes;
-        std::size_t left = sizeof m_bytes;
-        for (Variable& variable : m_values) {
-            std::size_t nameLength = NAME_LENGTH;
-            pNext = snmp_build_var_op(pNext, variable.name, &nameLength, variable.type, variable.length,
-                                      reinterpret_cast<u_char*>(&variable.value), &left);
-            if (pNext == nullptr) {
+        m_left = encodedSize();
+        m_pNext = m_bytes;
+        while ((m_pNext != nullptr) && (m_left > 0)) {
+            if (!parse(values)) {
                 return false;
             }
         }
-        m_length = sizeof m_bytes - left;
-        return true;
-    }
-
-    bool decode() override
-    {
-        u_char* pNext = m_bytes;
-        std::size_t left = m_length;
-        for (Variable& variable : m_decoded) {
-            std::size_t nameLength = NAME_LENGTH;
-            u_char* pValue = nullptr;
-            pNext =
-                snmp_parse_var_op(pNext, variable.name, &nameLength, &variable.type, &variable.length, &pValue, &left);
-            if ((pNext == nullptr) || !readValue(pValue, pNext, variable)) {
-                return false;
-            }
-        }
-        return left == 0;
+        return m_pNext != nullptr;
     }
 
     std::size_t encodedSize() const override { return m_length; }
 
-    SampleValues decoded() const override
-    {
-        SampleValues values;
-        for (std::size_t i = 0; i < m_decoded.size(); ++i) {
-            const bool isFlag = std::holds_alternative<bool>(m_samples[i].value);
-            values.push_back(
-                {static_cast<std::uint32_t>(m_decoded[i].name[NAME_LENGTH - 1]), valueOf(m_decoded[i], isFlag)});
-        }
-        return values;
-    }
-
 private:
-    static bool readValue(u_char* pValue, const u_char* pEnd, Variable& variable)
+    bool build(const OidTypeValue& value)
     {
-        auto length = static_cast<std::size_t>(pEnd - pValue);
+        m_name[NAME_LENGTH - 1] = value.oid;
+        switch (value.type) {
+            case OID_TYPE_UINT32: {
+                u_long number = boost::any_cast<unsigned int>(value.value);
+                return build(ASN_GAUGE, &number, sizeof number);
+            }
+            case OID_TYPE_INT32: {
+                long number = boost::any_cast<int>(value.value);
+                return build(ASN_INTEGER, &number, sizeof number);
+            }
+            case OID_TYPE_UINT64: {
+                const auto number = boost::any_cast<unsigned long long>(value.value);
+                counter64 halves{static_cast<u_long>(number >> 32), static_cast<u_long>(number & 0xFFFFFFFF)};
+                return build(ASN_COUNTER64, &halves, sizeof halves);
+            }
+            default: {
+                const auto& text = boost::any_cast<const std::string&>(value.value);
+                return build(ASN_OCTET_STR, const_cast<char*>(text.data()), text.size());
+            }
+        }
+    }
+
+    bool build(u_char type, void* pValue, std::size_t length)
+    {
+        std::size_t nameLength = NAME_LENGTH;
+        m_pNext = snmp_build_var_op(m_pNext, m_name, &nameLength, type, length, static_cast<u_char*>(pValue), &m_left);
+        m_length = sizeof m_bytes - m_left;
+        return m_pNext != nullptr;
+    }
+
+    bool parse(OidTypeValueMap& values)
+    {
+        std::size_t nameLength = NAME_LENGTH;
         u_char type = 0;
-        switch (variable.type) {
-            case ASN_INTEGER:
-                return asn_parse_int(pValue, &length, &type, &variable.value.signed32,
-                                     sizeof variable.value.signed32) != nullptr;
-            case ASN_GAUGE:
-                return asn_parse_unsigned_int(pValue, &length, &type, &variable.value.unsigned32,
-                                              sizeof variable.value.unsigned32) != nullptr;
-            case ASN_COUNTER64:
-                return asn_parse_unsigned_int64(pValue, &length, &type, &variable.value.unsigned64,
-                                                sizeof variable.value.unsigned64) != nullptr;
-            case ASN_OCTET_STR:
-                variable.length = sizeof variable.value.text;
-                return asn_parse_string(pValue, &length, &type, variable.value.text, &variable.length) != nullptr;
-            default: return false;
+        std::size_t valueLength = 0;
+        u_char* pValue = nullptr;
+        m_pNext = snmp_parse_var_op(m_pNext, m_name, &nameLength, &type, &valueLength, &pValue, &m_left);
+        if (m_pNext == nullptr) {
+            return false;
+        }
+        const auto cardOid = static_cast<std::uint32_t>(m_name[NAME_LENGTH - 1]);
+        auto left = static_cast<std::size_t>(m_pNext - pValue);
+        switch (type) {
+            case ASN_GAUGE: {
+                u_long number = 0;
+                const bool isParsed = asn_parse_unsigned_int(pValue, &left, &type, &number, sizeof number) != nullptr;
+                addValue(values, cardOid, OID_TYPE_UINT32, static_cast<unsigned int>(number));
+                return isParsed;
+            }
+            case ASN_INTEGER: {
+                long number = 0;
+                const bool isParsed = asn_parse_int(pValue, &left, &type, &number, sizeof number) != nullptr;
+                addValue(values, cardOid, OID_TYPE_INT32, static_cast<int>(number));
+                return isParsed;
+            }
+            case ASN_COUNTER64: {
+                counter64 halves{};
+                const bool isParsed = asn_parse_unsigned_int64(pValue, &left, &type, &halves, sizeof halves) != nullptr;
+                addValue(values, cardOid, OID_TYPE_UINT64,
+                         (static_cast<unsigned long long>(halves.high) << 32) | halves.low);
+                return isParsed;
+            }
+            default: {
+                u_char text[64];
+                std::size_t length = sizeof text;
+                const bool isParsed = asn_parse_string(pValue, &left, &type, text, &length) != nullptr;
+                addValue(values, cardOid, OID_TYPE_STRING, std::string(reinterpret_cast<const char*>(text), length));
+                return isParsed;
+            }
         }
     }
 
-    static decltype(SampleValue::value) valueOf(const Variable& variable, bool isFlag)
-    {
-        switch (variable.type) {
-            case ASN_GAUGE: return static_cast<std::uint32_t>(variable.value.unsigned32);
-            case ASN_COUNTER64:
-                return (std::uint64_t{variable.value.unsigned64.high} << 32) | variable.value.unsigned64.low;
-            case ASN_OCTET_STR: return std::string(reinterpret_cast<const char*>(variable.value.text), variable.length);
-            default: break;
-        }
-        if (isFlag) {
-            return variable.value.signed32 == 1;
-        }
-        return static_cast<std::int32_t>(variable.value.signed32);
-    }
-
-    const SampleValues m_samples;
-    std::vector<Variable> m_values;
-    std::vector<Variable> m_decoded;
+    oid m_name[NAME_LENGTH] = {};
     u_char m_bytes[4096] = {};
     std::size_t m_length = 0;
+    u_char* m_pNext = nullptr;
+    std::size_t m_left = 0;
 };
 
 }  // namespace
 
-std::unique_ptr<Codec> makeNetSnmpCodec(const SampleValues& values)
+std::unique_ptr<Codec> makeNetSnmpCodec()
 {
-    return std::make_unique<NetSnmpCodec>(values);
+    return std::make_unique<NetSnmpCodec>();
 }

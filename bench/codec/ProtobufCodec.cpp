@@ -3,59 +3,68 @@
 
 namespace {
 
+using codecBenchmark::Value;
+
+void fill(Value& message, const OidTypeValue& value)
+{
+    message.set_oid(value.oid);
+    switch (value.type) {
+        case OID_TYPE_UINT32: message.set_unsigned32(boost::any_cast<unsigned int>(value.value)); break;
+        case OID_TYPE_INT32: message.set_signed32(boost::any_cast<int>(value.value)); break;
+        case OID_TYPE_UINT64: message.set_unsigned64(boost::any_cast<unsigned long long>(value.value)); break;
+        default: message.set_text(boost::any_cast<const std::string&>(value.value)); break;
+    }
+}
+
+void add(OidTypeValueMap& values, const Value& message)
+{
+    switch (message.value_case()) {
+        case Value::kUnsigned32: addValue(values, message.oid(), OID_TYPE_UINT32, message.unsigned32()); break;
+        case Value::kSigned32: addValue(values, message.oid(), OID_TYPE_INT32, message.signed32()); break;
+        case Value::kUnsigned64:
+            addValue(values, message.oid(), OID_TYPE_UINT64, static_cast<unsigned long long>(message.unsigned64()));
+            break;
+        default: addValue(values, message.oid(), OID_TYPE_STRING, message.text()); break;
+    }
+}
+
 class ProtobufCodec : public Codec {
 public:
-    explicit ProtobufCodec(const SampleValues& values)
+    bool encode(const OidTypeValueContainer& values) override
     {
-        for (const SampleValue& sample : values) {
-            codecBenchmark::Value& message = *m_values.add_values();
-            message.set_oid(sample.oid);
-            std::visit(Overloaded{
-                           [&](std::uint32_t value) { message.set_unsigned32(value); },
-                           [&](std::int32_t value) { message.set_signed32(value); },
-                           [&](std::uint64_t value) { message.set_unsigned64(value); },
-                           [&](bool value) { message.set_flag(value); },
-                           [&](const std::string& value) { message.set_text(value); },
-                       },
-                       sample.value);
+        m_message.clear_values();
+        for (const OidTypeValue& value : values) {
+            fill(*m_message.add_values(), value);
         }
+        return encodeOwn();
     }
 
-    bool encode() override { return m_values.SerializeToString(&m_bytes); }
-
-    bool decode() override { return m_decoded.ParseFromString(m_bytes); }
+    bool decode(OidTypeValueMap& values) override
+    {
+        if (!decodeOwn()) {
+            return false;
+        }
+        for (const Value& message : m_decoded.values()) {
+            add(values, message);
+        }
+        return true;
+    }
 
     std::size_t encodedSize() const override { return m_bytes.size(); }
-
-    SampleValues decoded() const override
-    {
-        SampleValues values;
-        for (const codecBenchmark::Value& message : m_decoded.values()) {
-            values.push_back({message.oid(), valueOf(message)});
-        }
-        return values;
-    }
+    bool hasOwnForm() const override { return true; }
+    bool encodeOwn() override { return m_message.SerializeToString(&m_bytes); }
+    bool decodeOwn() override { return m_decoded.ParseFromString(m_bytes); }
 
 private:
-    static decltype(SampleValue::value) valueOf(const codecBenchmark::Value& message)
-    {
-        switch (message.value_case()) {
-            case codecBenchmark::Value::kUnsigned32: return std::uint32_t{message.unsigned32()};
-            case codecBenchmark::Value::kSigned32: return std::int32_t{message.signed32()};
-            case codecBenchmark::Value::kUnsigned64: return std::uint64_t{message.unsigned64()};
-            case codecBenchmark::Value::kFlag: return message.flag();
-            default: return message.text();
-        }
-    }
-
-    codecBenchmark::Values m_values;
+    // Kept from one time to the next, so that their parts are allocated once only.
+    codecBenchmark::Values m_message;
     codecBenchmark::Values m_decoded;
     std::string m_bytes;
 };
 
 }  // namespace
 
-std::unique_ptr<Codec> makeProtobufCodec(const SampleValues& values)
+std::unique_ptr<Codec> makeProtobufCodec()
 {
-    return std::make_unique<ProtobufCodec>(values);
+    return std::make_unique<ProtobufCodec>();
 }

@@ -95,7 +95,7 @@ TEST_F(FillInValue, LeavesTheWholeTreeWhenSomethingDeepInsideFails)
 TEST_F(FillInValue, ReportsATypeThatIsNoPlaceholderAndGoesOn)
 {
     const std::string condition = "(typeInfo == typeid(ParamField)) || (typeInfo == typeid(MemoryField))";
-    const Diagnostics once = {report(condition, fillInValueSignature<int>()),
+    const Diagnostics once = {report(condition, fillInValueSignature<int>),
                               lines.error("getOtherType", "getOtherType(): Unknown typeInfo")};
     // The type named is replaced all the same, once numbers were left alone; ParamField is the other placeholder.
     struct Foreign {};
@@ -109,7 +109,7 @@ TEST_F(FillInValue, ReportsATypeThatIsNoPlaceholderAndGoesOn)
                             "true (int 1 == int 2)", once + once + once);
 
     EXPECT_EQ(filled<unsigned int>(Expression(EQUAL, 1, 2), 3, typeid(Expression)), "true unsigned 3");
-    EXPECT_EQ(m_diagnostics.take(), (Diagnostics{report(condition, fillInValueSignature<unsigned int>()),
+    EXPECT_EQ(m_diagnostics.take(), (Diagnostics{report(condition, fillInValueSignature<unsigned int>),
                                                  lines.error("getOtherType", "getOtherType(): Unknown typeInfo")}));
 }
 
@@ -218,9 +218,9 @@ TEST_F(Check, ReportsAnOperatorOutsideTheTableWithoutALine)
     for (const int number : {-1, 8, INT_MAXIMUM, INT_MINIMUM}) {
         SCOPED_TRACE(number);
         const Expression expression(static_cast<RelationalOperator>(number), 1, 1);
-        expectAtEveryTraceLevel([&] { return check<int>(expression); }, 0, {report("false", checkSignature<int>())});
+        expectAtEveryTraceLevel([&] { return check<int>(expression); }, 0, {report("false", checkSignature<int>)});
         expectAtEveryTraceLevel([&] { return check<unsigned int>(expression); }, 0u,
-                                {report("false", checkSignature<unsigned int>())});
+                                {report("false", checkSignature<unsigned int>)});
     }
 }
 
@@ -228,7 +228,7 @@ TEST_F(Check, EvaluatesTheOperandsOfAnUnknownOperatorFirst)
 {
     expectAtEveryTraceLevel([] { return check<int>(Expression(UNKNOWN_OPERATOR, 1, ParamField())); }, 0,
                             notReducible<int>(lines.error("check", "ParamField not filled in")) +
-                                Diagnostics{report("false", checkSignature<int>())});
+                                Diagnostics{report("false", checkSignature<int>)});
 }
 
 class CheckInt : public EvaluationTest {};
@@ -279,7 +279,7 @@ TEST_F(CheckInt, ReportsAPlaceholderLeftOnTheRightOfADecidedAnd)
 TEST_F(CheckInt, ReportsAnUnknownOperatorAndLogsTheResult)
 {
     expectAtEveryTraceLevel([] { return checkInt<int>(comparison(UNKNOWN_OPERATOR, 1), 1); }, false,
-                            {report("false", checkSignature<int>()), lines.debug("checkInt", "%s", "x=1: result=0")});
+                            {report("false", checkSignature<int>), lines.debug("checkInt", "%s", "x=1: result=0")});
 }
 
 class CheckHysteresis : public EvaluationTest {
@@ -386,7 +386,7 @@ TEST_F(CheckHysteresis, IsFalseWithoutADebugLineWhenAFillFails)
 TEST_F(CheckHysteresis, ReportsAnUnknownOperatorOfEitherExpression)
 {
     const Expression unknown(UNKNOWN_OPERATOR, MemoryField(), comparison(GREATER_THAN, 70));
-    const std::string reported = report("false", checkSignature<int>());
+    const std::string reported = report("false", checkSignature<int>);
     // The first counts as 0 for the second.
     expectAtEveryTraceLevel([&] { return checkHysteresis<int>(unknown, m_upperSecond, 75, true); }, false,
                             {reported, lines.debug("checkHysteresis", "%s", "x=75: result=0")});

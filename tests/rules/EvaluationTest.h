@@ -6,6 +6,7 @@
 #include <string>
 
 #include "EventMgmtRulesCppObjects.h"
+#include "rules/ReportedSignatures.h"
 #include "rules/RuleTexts.h"
 #include "support/Diagnostics.h"
 
@@ -24,14 +25,14 @@ protected:
     static Diagnostics unknownTypeToFillIn()
     {
         return {lines.error("fillInValue", "fillInValue(): unknown expression type"),
-                report("false", fillInValueSignature<T>())};
+                report("false", fillInValueSignature<T>)};
     }
 
     /// The two diagnostics of check<T> on something that it cannot reduce.
     template <typename T>
     static Diagnostics notReducible(const std::string& errorLine)
     {
-        return {errorLine, report("false", checkSignature<T>())};
+        return {errorLine, report("false", checkSignature<T>)};
     }
 
     static Expression comparison(RelationalOperator relationalOperator, const boost::any& right)

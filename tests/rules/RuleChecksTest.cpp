@@ -240,12 +240,11 @@ TEST_F(CheckSimpleDeltaRule, OfSignedSamplesRefusesLargerChangesWithTheLimitBefo
                          c.delta)});
     }
     checkSimpleDeltaRule<int>(rule, -1500000000, 1500000000);
-    EXPECT_EQ(
-        m_diagnostics.take(),
-        Diagnostics{errorLine(
-            "EventMgmtRulesCppObjects.cpp", "checkSimpleDeltaRule",
-            "Delta=%lld but VEMOR does not support deltas larger than %lld in int32_t rules",
-            "Delta=2147483647 but VEMOR does not support deltas larger than 3000000000 in int32_t rules")});
+    EXPECT_EQ(m_diagnostics.take(),
+              Diagnostics{errorLine(
+                  "EventMgmtRulesCppObjects.cpp", "checkSimpleDeltaRule",
+                  "Delta=%lld but VEMOR does not support deltas larger than %lld in int32_t rules",
+                  "Delta=2147483647 but VEMOR does not support deltas larger than 3000000000 in int32_t rules")});
 }
 
 TEST_F(CheckSimpleDeltaRule, OfUnsignedSamplesComparesAnyChange)

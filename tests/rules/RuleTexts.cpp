@@ -31,15 +31,6 @@ std::string described(ExpressionType type)
     return "type " + std::to_string(static_cast<int>(type));
 }
 
-// The compilers spell parameters and template arguments in their own ways.
-#ifdef __clang__
-const std::string FILL_IN_VALUE = "bool vemorRules::fillInValue(boost::any &, T, const std::type_info &) [T = ";
-const std::string CHECK = "T vemorRules::check(const boost::any &) [T = ";
-#else
-const std::string FILL_IN_VALUE = "bool vemorRules::fillInValue(boost::any&, T, const std::type_info&) [with T = ";
-const std::string CHECK = "T vemorRules::check(const boost::any&) [with T = ";
-#endif
-
 }  // namespace
 
 std::string described(const boost::any& operand)
@@ -78,30 +69,6 @@ std::string described(const RuleObject& rule)
         separator = ", ";
     }
     return text;
-}
-
-template <>
-std::string fillInValueSignature<int>()
-{
-    return FILL_IN_VALUE + "int]";
-}
-
-template <>
-std::string fillInValueSignature<unsigned int>()
-{
-    return FILL_IN_VALUE + "unsigned int]";
-}
-
-template <>
-std::string checkSignature<int>()
-{
-    return CHECK + "int]";
-}
-
-template <>
-std::string checkSignature<unsigned int>()
-{
-    return CHECK + "unsigned int]";
 }
 
 }  // namespace vemorRules

@@ -16,12 +16,6 @@ std::string described(const boost::any& operand);
 std::string described(const Expression& expression);
 std::string described(const RuleObject& rule);
 
-/// What __PRETTY_FUNCTION__ is in two templates of the evaluator, instantiated for T.
-template <typename T>
-std::string fillInValueSignature();
-template <typename T>
-std::string checkSignature();
-
 }  // namespace vemorRules
 
 #endif

@@ -76,7 +76,8 @@ public:
     buffer_t& operator<<(Integer value)
     {
         requireRoom(sizeof(Wire<Integer>));
-        append(bigEndian(static_cast<Wire<Integer>>(value)));
+        storeAt(m_length, bigEndian(static_cast<Wire<Integer>>(value)));
+        m_length += sizeof(Wire<Integer>);
         return *this;
     }
 
@@ -155,22 +156,20 @@ private:
         }
     }
 
+    // There is room for it.
     template <typename T>
-    void append(T bigEndianValue)
+    void storeAt(std::size_t position, T bigEndianValue)
     {
-        std::memcpy(m_bytes + m_length, &bigEndianValue, sizeof bigEndianValue);
-        m_length += sizeof bigEndianValue;
+        std::memcpy(m_bytes + position, &bigEndianValue, sizeof bigEndianValue);
     }
 
     void appendWithLength(const void* bytes, std::size_t length)
     {
-        requireRoom(LENGTH_SIZE);
-        if (length > CAPACITY - m_length - LENGTH_SIZE) {
-            throwFull();
-        }
-        append(bigEndian(static_cast<std::uint32_t>(length)));
-        std::memcpy(m_bytes + m_length, bytes, length);
-        m_length += length;
+        requireRoom(LENGTH_SIZE + length);  // no overflow: nothing in memory is that long
+        const std::size_t position = m_length;
+        storeAt(position, bigEndian(static_cast<std::uint32_t>(length)));
+        std::memcpy(m_bytes + position + LENGTH_SIZE, bytes, length);
+        m_length = position + LENGTH_SIZE + length;
     }
 
     template <typename T>
