@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "commands/CardCommands.h"
 #include "commands/RuleCommands.h"
 #include "common/CommandLine.h"
 #include "trace/TraceObject.h"
@@ -23,7 +24,9 @@ constexpr const char* EXAMPLES =
 Examples:
   brantel rule check 'expr=signed(value>100)'
   brantel -v 9 --log-stderr rule check 'expr=signed(value>100)'
-  brantel rule eval --help)";
+  brantel rule eval --help
+  brantel card --slot 3 &
+  brantel get 3 card.name cpu.busy)";
 
 ExitCode runInvocation(const Invocation& invocation)
 {
@@ -65,6 +68,7 @@ int main(int argc, char** argv)
     app.add_option("-v,--trace-level", traceLevel, "How much the library logs (3: errors)")->type_name("N");
     app.add_flag("--log-stderr", logsToStandardError, "Copy diagnostics to standard error");
     addRuleCommands(app, invocation);
+    addCardCommands(app, invocation);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& answer) {

@@ -84,6 +84,8 @@ public:
     /// Like OBproxy::call.
     virtual int call(Call& call, buffer_t& payload, int& result) = 0;
 
+    virtual bool isConnected() { return m_socket.isConnected(); }
+
     std::uint64_t droppedAnswers() const { return m_droppedAnswers; }
 
 protected:
@@ -154,6 +156,13 @@ public:
         }
         m_pDispatcher->lookAt(*this);
         return isSent ? 0 : -1;
+    }
+
+    bool isConnected() override
+    {
+        const bool isConnectedNow = Subscription::isConnected();
+        m_pDispatcher->lookAt(*this);
+        return isConnectedNow;
     }
 
 private:
@@ -251,6 +260,11 @@ int OBproxy::subscribe(const char* name, OBproxyReplyInterface* pReply)
                           error.what());
         return -1;
     }
+}
+
+bool OBproxy::isConnected() const
+{
+    return (m_pSubscription != nullptr) && m_pSubscription->isConnected();
 }
 
 std::uint64_t OBproxy::droppedAnswers() const

@@ -261,13 +261,18 @@ bool CallerSocket::receive(Clock::time_point deadline)
     zmq::socket_t& socket = m_pImpl->socket;
     int wait = waitUntil(deadline);
     while (!receivePart(socket, m_pImpl->message, (wait == 0) ? ZMQ_DONTWAIT : 0)) {
-        if (!isWorthAnotherTry(errno, wait) || !hasEvent(socket, ZMQ_POLLOUT)) {
+        if (!isWorthAnotherTry(errno, wait) || !isConnected()) {
             return false;
         }
         wait = waitUntil(deadline);
     }
     dropFurtherParts(socket, m_pImpl->message);
     return true;
+}
+
+bool CallerSocket::isConnected() const
+{
+    return hasEvent(m_pImpl->socket, ZMQ_POLLOUT);
 }
 
 ByteView CallerSocket::message() const

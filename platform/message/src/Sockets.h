@@ -44,6 +44,9 @@ public:
     /// whatever was under way; false if none came.
     bool receive(Clock::time_point deadline);
 
+    /// Whether a message could be sent at once.
+    bool isConnected() const;
+
     /// The message received last.
     ByteView message() const;
 

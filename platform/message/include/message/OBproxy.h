@@ -58,6 +58,10 @@ public:
     /// How long a call waits for its answer, in seconds; a proxy starts at 7. With 0 or less a call does not wait.
     void setReplyWaitTime(int seconds) { m_replyWaitTime = seconds; }
 
+    /// Whether the service is there: false before the first connection to it and while there is none. A call that finds
+    /// it false waits for the service first.
+    bool isConnected() const;
+
     /// Number of messages received that answered none of the calls under way.
     std::uint64_t droppedAnswers() const;
 
