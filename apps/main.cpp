@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "commands/CardCommands.h"
 #include "commands/RuleCommands.h"
 #include "common/CommandLine.h"
 #include "trace/TraceObject.h"
@@ -24,7 +25,9 @@ constexpr const char* EXAMPLES =
 Examples:
   brantel rule check 'expr=signed(value>100)'
   brantel -v 9 --log-stderr rule check 'expr=signed(value>100)'
-  brantel rule eval --help)";
+  brantel rule eval --help
+  brantel card --slot 3 &
+  brantel get 3 card.name cpu.busy)";
 
 // Prints the help, the version or what is wrong with the arguments.
 ExitCode answerCommandLine(const CLI::App& app, const CLI::ParseError& answer)
@@ -54,6 +57,7 @@ ExitCode runCommand(int argc, char** argv)
     app.add_option("-v,--trace-level", traceLevel, "How much the library logs (3: errors)")->type_name("N");
     app.add_flag("--log-stderr", logsToStandardError, "Copy diagnostics to standard error");
     addRuleCommands(app, invocation);
+    addCardCommands(app, invocation);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& answer) {

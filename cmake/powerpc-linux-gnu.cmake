@@ -6,7 +6,11 @@ set(CMAKE_CXX_COMPILER powerpc-linux-gnu-g++)
 set(CMAKE_C_COMPILER powerpc-linux-gnu-gcc)
 set(CMAKE_CROSSCOMPILING_EMULATOR "qemu-ppc;-L;/usr/powerpc-linux-gnu")
 
-set(CMAKE_FIND_ROOT_PATH /usr/powerpc-linux-gnu)
+# ZeroMQ for this processor comes from scripts/cross-zeromq.
+set(crossZeroMq ${CMAKE_CURRENT_LIST_DIR}/../build/zeromq-ppc)
+set(ENV{PKG_CONFIG_LIBDIR} ${crossZeroMq}/lib/pkgconfig)
+
+set(CMAKE_FIND_ROOT_PATH /usr/powerpc-linux-gnu ${crossZeroMq})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

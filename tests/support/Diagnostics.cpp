@@ -88,6 +88,12 @@ std::string errorLine(const std::string& file, const std::string& function, cons
     return taggedLine(LOG_ERR, "[ERROR]", file, function, format, message);
 }
 
+std::string warningLine(const std::string& file, const std::string& function, const std::string& format,
+                        const std::string& message)
+{
+    return taggedLine(LOG_WARNING, "[WARNING]", file, function, format, message);
+}
+
 std::string debugLine(const std::string& file, const std::string& function, const std::string& format,
                       const std::string& message)
 {

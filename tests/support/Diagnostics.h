@@ -20,6 +20,8 @@ using Diagnostics = std::vector<std::string>;
 // Expected texts of lines: the message's own format, and the message as a reader sees it.
 std::string errorLine(const std::string& file, const std::string& function, const std::string& format,
                       const std::string& message);
+std::string warningLine(const std::string& file, const std::string& function, const std::string& format,
+                        const std::string& message);
 std::string debugLine(const std::string& file, const std::string& function, const std::string& format,
                       const std::string& message);
 std::string assertReport(const std::string& condition, const std::string& file, const std::string& function);

@@ -22,6 +22,7 @@ namespace brantelLog {
 
 // A line is written when the trace level is above its threshold.
 constexpr std::int32_t ERROR_THRESHOLD = 2;
+constexpr std::int32_t WARNING_THRESHOLD = 3;
 constexpr std::int32_t DEBUG3_THRESHOLD = 8;
 
 inline bool isTraceLevelAbove(std::int32_t threshold)
@@ -70,13 +71,19 @@ inline bool holdsOrIsReported(bool holds, const char* condition, const char* fil
     } while (false)
 
 #define LOG_ERROR(...) LOG_ERROR_OF(__func__, __VA_ARGS__)
-#define LOG_DEBUG3(...) BRANTEL_LOG_LINE(brantelLog::DEBUG3_THRESHOLD, LOG_DEBUG, "[DEBUG3]", __func__, __VA_ARGS__)
+// Not LOG_WARNING, which is syslog's priority.
+#define LOG_WARN(...) BRANTEL_LOG_LINE(brantelLog::WARNING_THRESHOLD, LOG_WARNING, "[WARNING]", __func__, __VA_ARGS__)
+#define LOG_DEBUG3(...) LOG_DEBUG3_OF(__func__, __VA_ARGS__)
 
 // For a helper that writes a line in the name of its caller.
 #define LOG_ERROR_OF(function, ...) \
     BRANTEL_LOG_LINE(brantelLog::ERROR_THRESHOLD, LOG_ERR, "[ERROR]", function, __VA_ARGS__)
+#define LOG_DEBUG3_OF(function, ...) \
+    BRANTEL_LOG_LINE(brantelLog::DEBUG3_THRESHOLD, LOG_DEBUG, "[DEBUG3]", function, __VA_ARGS__)
 
-#define ASSERT_OR_REPORT(condition) ASSERT_OR_REPORT_AS(condition, __PRETTY_FUNCTION__)
+// Does not hand the condition on to ASSERT_OR_REPORT_AS: macros in it would be expanded before it becomes text.
+#define ASSERT_OR_REPORT(condition) \
+    brantelLog::holdsOrIsReported((condition), #condition, __FILE__, __LINE__, __PRETTY_FUNCTION__)
 
 // For a report whose function text is prescribed: compilers spell signatures differently.
 #define ASSERT_OR_REPORT_AS(condition, functionText) \

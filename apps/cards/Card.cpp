@@ -1,0 +1,216 @@
+#include "cards/Card.h"
+
+#include <arpa/inet.h>
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "cards/OidTable.h"
+#include "cards/TlvElements.h"
+#include "message/OBresult.h"
+
+namespace {
+
+constexpr int INVALID_NR_OF_TLVS = 0x06000000;
+
+constexpr std::size_t MAX_NAME_LENGTH = 32;
+constexpr std::size_t MAX_LOCATION_LENGTH = 64;
+
+template <typename Value>
+std::function<int(const boost::any&)> within(int lowest, int highest)
+{
+    return [lowest, highest](const boost::any& any) {
+        const int value = boost::any_cast<Value>(any);
+        return ((value >= lowest) && (value <= highest)) ? RESULT_OK : RESULT_WRONG_VALUE;
+    };
+}
+
+int acceptAny(const boost::any&)
+{
+    return RESULT_OK;
+}
+
+int checkName(const boost::any& value)
+{
+    return (boost::any_cast<std::string>(value).size() <= MAX_NAME_LENGTH) ? RESULT_OK : RESULT_TOO_LONG;
+}
+
+int checkLocation(const boost::any& value)
+{
+    return (boost::any_cast<buffer_t>(value).size() <= MAX_LOCATION_LENGTH) ? RESULT_OK : RESULT_TOO_LONG;
+}
+
+in_addr addressOfSlot(std::uint32_t slot)
+{
+    in_addr address = {};
+    address.s_addr = htonl(0xC0000200U + 10U + slot);  // 192.0.2.10 and on: addresses for documentation
+    return address;
+}
+
+}  // namespace
+
+void addConstant(CardObjects& objects, std::uint32_t oid, OidValueType type, const boost::any& value)
+{
+    objects[oid] = {type, [value] { return value; }, nullptr, nullptr};
+}
+
+Card::Card(std::uint32_t slot, const std::string& source, CardObjects sourceObjects)
+    : m_slot(slot), m_objects(std::move(sourceObjects))
+{
+    addOwnObjects(slot, source);
+}
+
+void Card::addOwnObjects(std::uint32_t slot, const std::string& source)
+{
+    using namespace oids;
+    constexpr unsigned long long LOCALLY_ADMINISTERED = 0x020000000000;
+    addConstant(m_objects, CARD_SLOT, OID_TYPE_UINT8, static_cast<unsigned char>(slot));
+    addConstant(m_objects, CARD_SOURCE, OID_TYPE_STRING, source);
+    addConstant(m_objects, CARD_MAC, OID_TYPE_MAC_ADDRESS, LOCALLY_ADMINISTERED + slot);
+    m_objects[CARD_UPTIME] = {
+        OID_TYPE_UINT32,
+        [this] {
+            const auto uptime = std::chrono::steady_clock::now() - m_start;
+            return static_cast<unsigned int>(std::chrono::duration_cast<std::chrono::seconds>(uptime).count());
+        },
+        nullptr, nullptr};
+    m_objects[CARD_READS] = {OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_reads); }, nullptr,
+                             nullptr};
+    m_objects[CARD_WRITES] = {OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_writes); }, nullptr,
+                              nullptr};
+
+    addWritable(CARD_NAME, OID_TYPE_STRING, "card " + std::to_string(slot), checkName);
+    addWritable(CARD_ADDRESS, OID_TYPE_IPV4_ADDRESS, addressOfSlot(slot), acceptAny);
+    addWritable(CARD_LOCATION, OID_TYPE_BUFFER, buffer_t(), checkLocation);
+    addWritable(CARD_ENABLED, OID_TYPE_BOOL, true, acceptAny);
+    addWritable(CARD_LED, OID_TYPE_UINT8, static_cast<unsigned char>(1), within<unsigned char>(0, 3));
+    addWritable(CARD_VLAN, OID_TYPE_UINT16, static_cast<unsigned short>(1), within<unsigned short>(1, 4094));
+    addWritable(CARD_ALTITUDE, OID_TYPE_INT16, static_cast<short>(0), within<short>(-500, 9000));
+    addWritable(CARD_TEMPERATURE_OFFSET, OID_TYPE_INT8, static_cast<signed char>(0), within<signed char>(-20, 20));
+    addWritable(CARD_ALARM_THRESHOLD, OID_TYPE_INT32, 0, acceptAny);
+    addWritable(CARD_CLOCK_OFFSET, OID_TYPE_INT64, 0LL, acceptAny);
+    addWritable(CARD_SELF_TEST, OID_TYPE_BOOL, false, [this](const boost::any&) {
+        return boost::any_cast<bool>(m_objects.at(CARD_ENABLED).read()) ? RESULT_OK : RESULT_CANNOT_EXEC;
+    });
+    m_objects[CARD_FAULT] = {
+        OID_TYPE_STRING, [this] { return m_faults.text; },
+        [](const boost::any& value) {
+            return faultsOfText(boost::any_cast<std::string>(value)) ? RESULT_OK : RESULT_WRONG_VALUE;
+        },
+        [this](const boost::any& value) { m_faults = *faultsOfText(boost::any_cast<std::string>(value)); }};
+}
+
+void Card::addWritable(std::uint32_t oid, OidValueType type, const boost::any& initial,
+                       const std::function<int(const boost::any&)>& check)
+{
+    const auto pValue = std::make_shared<boost::any>(initial);
+    m_objects[oid] = {type, [pValue] { return *pValue; }, check,
+                      [pValue](const boost::any& value) { *pValue = value; }};
+}
+
+Card::Answer Card::read(const buffer_t& request)
+{
+    ++m_reads;
+    const std::optional<std::vector<buffer_t>> elements = elementsOf(request);
+    if (!elements) {
+        return {INVALID_NR_OF_TLVS, buffer_t()};
+    }
+    buffer_t tlvs;
+    tlvs << static_cast<std::uint32_t>(elements->size());
+    for (const buffer_t& element : *elements) {
+        if (element.size() != sizeof(std::uint32_t)) {
+            return {RESULT_WRONG_LEN, buffer_t()};
+        }
+        std::uint32_t oid = 0;
+        element >> oid;
+        const auto object = m_objects.find(oid);
+        if (object == m_objects.end()) {
+            return {RESULT_WRONG_OID, buffer_t()};
+        }
+        try {
+            tlvs << valueElement(oid, object->second);
+        } catch (const std::length_error&) {
+            return {obResult::MESSAGE_TOO_LARGE, buffer_t()};
+        }
+    }
+    return {RESULT_OK, tlvs};
+}
+
+// Throws std::length_error if the value alone is more than a buffer holds.
+buffer_t Card::valueElement(std::uint32_t oid, const CardObject& object) const
+{
+    buffer_t stream;
+    if (!convertOidTypeValueContainerToTlvs({{oid, object.type, object.read()}}, stream)) {
+        throw std::length_error("value of an object");
+    }
+    std::uint32_t count = 0;
+    buffer_t element;
+    stream >> count >> element;
+    return element;
+}
+
+int Card::write(const buffer_t& request)
+{
+    ++m_writes;
+    const std::optional<std::vector<buffer_t>> elements = elementsOf(request);
+    if (!elements) {
+        return INVALID_NR_OF_TLVS;
+    }
+    std::vector<Write> writes(elements->size());
+    for (std::size_t i = 0; i < writes.size(); ++i) {
+        const int result = checkWrite((*elements)[i], writes[i]);
+        if (result != RESULT_OK) {
+            return result;
+        }
+    }
+    for (const Write& each : writes) {
+        each.pObject->write(each.value);
+    }
+    return RESULT_OK;
+}
+
+int Card::checkWrite(const buffer_t& element, Write& write) const
+{
+    std::uint32_t oid = 0;
+    unsigned char type = 0;
+    if (element.size() < sizeof oid + sizeof type) {
+        return RESULT_WRONG_LEN;
+    }
+    element >> oid >> type;
+    const auto object = m_objects.find(oid);
+    if (object == m_objects.end()) {
+        return RESULT_WRONG_OID;
+    }
+    if (!object->second.check) {
+        return RESULT_READ_ONLY;
+    }
+    if (type != object->second.type) {
+        return RESULT_WRONG_TYPE;
+    }
+    // What is decoded and encoded again must be the same: neither cut nor followed by more.
+    buffer_t stream;
+    buffer_t streamAgain;
+    OidTypeValueMap values;
+    stream << std::uint32_t{1} << element;
+    if (!convertTlvsToOidTypeValueMap(m_slot, stream, values, nullptr) ||
+        !convertOidTypeValueContainerToTlvs({{oid, object->second.type, values[oid].value}}, streamAgain) ||
+        (stream.size() != streamAgain.size())) {
+        return RESULT_WRONG_LEN;
+    }
+    write = {&object->second, values[oid].value};
+    return object->second.check(write.value);
+}
+
+bool Card::isAboutFaultsOnly(const buffer_t& request)
+{
+    const std::optional<std::vector<buffer_t>> elements = elementsOf(request);
+    if (!elements || (elements->size() != 1) || (elements->front().size() < sizeof(std::uint32_t))) {
+        return false;
+    }
+    std::uint32_t oid = 0;
+    elements->front() >> oid;
+    return oid == oids::CARD_FAULT;
+}

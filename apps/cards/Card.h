@@ -1,0 +1,56 @@
+#ifndef APPS_CARDS_CARD_H
+#define APPS_CARDS_CARD_H
+
+// A card without its connection: takes request streams and makes answer streams and result codes of them. A request
+// that cannot be carried out wholly is refused wholly.
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "cards/CardObjects.h"
+#include "cards/Faults.h"
+
+class Card {
+public:
+    /// `sourceObjects` are added to those that every card has.
+    Card(std::uint32_t slot, const std::string& source, CardObjects sourceObjects);
+
+    struct Answer {
+        int result;
+        buffer_t tlvs;
+    };
+
+    /// Reads the objects that `request` lists.
+    Answer read(const buffer_t& request);
+
+    /// Writes the values that `request` lists: all of them, or none. Returns the result code.
+    int write(const buffer_t& request);
+
+    const Faults& faults() const { return m_faults; }
+    void setFaults(const Faults& faults) { m_faults = faults; }
+
+    /// Whether the request is about the object that holds the faults, and nothing else: such a one is spared by them.
+    static bool isAboutFaultsOnly(const buffer_t& request);
+
+private:
+    struct Write {
+        const CardObject* pObject;
+        boost::any value;
+    };
+
+    void addOwnObjects(std::uint32_t slot, const std::string& source);
+    void addWritable(std::uint32_t oid, OidValueType type, const boost::any& initial,
+                     const std::function<int(const boost::any&)>& check);
+    buffer_t valueElement(std::uint32_t oid, const CardObject& object) const;
+    int checkWrite(const buffer_t& element, Write& write) const;
+
+    const std::uint32_t m_slot;
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    CardObjects m_objects;
+    Faults m_faults;
+    std::uint64_t m_reads = 0;
+    std::uint64_t m_writes = 0;
+};
+
+#endif

@@ -1,0 +1,107 @@
+#include "cards/CardClient.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <optional>
+#include <sstream>
+
+#include "cards/OidTable.h"
+#include "cards/ReadPlan.h"
+#include "cards/ResultText.h"
+#include "cards/ValueText.h"
+#include "common/CommandLine.h"
+
+CardClient::CardClient(std::uint32_t slot) : m_slot(slot)
+{
+    IcscClientProxy::createInstance();
+    IcscClientProxy::getInstance().subscribeInterface(slot, m_component);
+}
+
+CardClient::CardClient(std::uint32_t slot, OBappsToICSC_1_0_PR& replies) : m_slot(slot)
+{
+    IcscClientProxy::createInstance();
+    IcscClientProxy::getInstance().subscribeAsyncInterface(slot, m_component, replies);
+}
+
+CardClient::~CardClient()
+{
+    IcscClientProxy::deleteInstance();
+}
+
+Reading CardClient::read(const ObjectIdContainer& oids)
+{
+    Reading reading;
+    for (const ObjectIdContainer& request : requestsFor(oids)) {
+        read(request, reading);
+    }
+    return reading;
+}
+
+void CardClient::read(const ObjectIdContainer& request, Reading& reading)
+{
+    OidTypeValueMap values;
+    const std::int32_t result = IcscClientProxy::getInstance().getOidsSync(m_slot, request, values);
+    if (result == 0) {
+        reading.values.merge(values);
+    } else if (const auto halves = halvesOf(request, result)) {
+        read(halves->first, reading);
+        read(halves->second, reading);
+    } else {
+        for (const std::uint32_t oid : request) {
+            reading.failures[oid] = result;
+        }
+    }
+}
+
+bool CardClient::startReading(const ObjectIdContainer& request)
+{
+    return IcscClientProxy::getInstance().getOidsAsync(m_slot, request);
+}
+
+std::int32_t CardClient::write(const OidTypeValueContainer& values, std::int32_t timeout)
+{
+    buffer_t tlvs;
+    if (!convertOidTypeValueContainerToTlvs(values, tlvs)) {
+        throw CommandError("the value for " + nameOfOid(values.front().oid) + " does not fit into a request");
+    }
+    std::int32_t result = 0;
+    const bool isAnswered = IcscClientProxy::getInstance().getSetOidsCommon(false, m_slot, timeout, tlvs, result);
+    return isAnswered ? result : NO_ANSWER;
+}
+
+ObjectIdContainer oidsOfArguments(const std::vector<std::string>& arguments)
+{
+    ObjectIdContainer oids;
+    for (const std::string& argument : arguments) {
+        const std::uint32_t oid = oidOfArgument(argument);
+        if (std::find(oids.begin(), oids.end(), oid) == oids.end()) {
+            oids.push_back(oid);
+        }
+    }
+    return oids;
+}
+
+std::uint32_t oidOfArgument(const std::string& argument)
+{
+    if (const std::optional<std::uint32_t> number = numberOfText(argument)) {
+        return *number;
+    }
+    const OidEntry* const pEntry = findOid(argument);
+    if (pEntry == nullptr) {
+        throw CommandError("'" + argument + "' is neither a number nor the name of an object (brantel card objects)");
+    }
+    return pEntry->oid;
+}
+
+std::string nameOfOid(std::uint32_t oid)
+{
+    const OidEntry* const pEntry = findOid(oid);
+    return (pEntry == nullptr) ? numberOfOid(oid) : pEntry->name;
+}
+
+std::string numberOfOid(std::uint32_t oid)
+{
+    std::ostringstream text;
+    text << "0x" << std::hex << std::uppercase << std::setw(8) << std::setfill('0') << oid;
+    return text.str();
+}

@@ -1,0 +1,64 @@
+#ifndef APPS_CARDS_CARD_CLIENT_H
+#define APPS_CARDS_CARD_CLIENT_H
+
+// The command's way to the card in one slot: the library's client with a component for it, and the OIDs of the command
+// line. One at a time.
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "IcscClientProxy.h"
+#include "message/OBcomponent.h"
+
+class OBappsToICSC_1_0_PR;
+
+/// What became of the objects that were asked for: each is in one of the two.
+struct Reading {
+    OidTypeValueMap values;
+    std::map<std::uint32_t, std::int32_t> failures;  ///< result codes, or NO_ANSWER
+};
+
+class CardClient {
+public:
+    /// Subscribes the slot for calls that wait.
+    explicit CardClient(std::uint32_t slot);
+
+    /// Subscribes the slot for calls that are answered to `replies`, from the component's dispatch.
+    CardClient(std::uint32_t slot, OBappsToICSC_1_0_PR& replies);
+
+    ~CardClient();
+    CardClient(const CardClient&) = delete;
+    CardClient& operator=(const CardClient&) = delete;
+
+    OBcomponent& component() { return m_component; }
+
+    /// In as many requests as it takes.
+    Reading read(const ObjectIdContainer& oids);
+
+    /// Sends one request to read; false if it could not be sent.
+    bool startReading(const ObjectIdContainer& request);
+
+    /// Writes in one request. Returns the result code, or NO_ANSWER. Throws CommandError if the values do not fit.
+    std::int32_t write(const OidTypeValueContainer& values, std::int32_t timeout);
+
+private:
+    void read(const ObjectIdContainer& request, Reading& reading);
+
+    const std::uint32_t m_slot;
+    OBcomponent m_component{"brantel"};
+};
+
+/// The OIDs that the command line names, by number or by name, each once. Throws CommandError.
+ObjectIdContainer oidsOfArguments(const std::vector<std::string>& arguments);
+std::uint32_t oidOfArgument(const std::string& argument);
+
+/// The name in the table of objects; the number for an object that it does not have.
+std::string nameOfOid(std::uint32_t oid);
+
+/// Eight digits, with 0x.
+std::string numberOfOid(std::uint32_t oid);
+
+#endif

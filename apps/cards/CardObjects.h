@@ -1,0 +1,54 @@
+#ifndef APPS_CARDS_CARD_OBJECTS_H
+#define APPS_CARDS_CARD_OBJECTS_H
+
+// What a card is made of: its objects by OID, each able to tell its value and, if it is writable, to check and take
+// one. The functions below add the objects of one source each.
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "IfcCardStatusAndControl.h"
+
+/// Results of the card itself, as far as it gives them.
+enum CardResult : int {
+    RESULT_OK = 0,
+    RESULT_WRONG_TYPE = 6,
+    RESULT_WRONG_OID = 7,
+    RESULT_WRONG_LEN = 8,
+    RESULT_WRONG_VALUE = 9,
+    RESULT_READ_ONLY = 10,
+    RESULT_TOO_LONG = 11,
+    RESULT_CANNOT_EXEC = 12
+};
+
+struct CardObject {
+    OidValueType type;
+    std::function<boost::any()> read;
+    std::function<int(const boost::any&)> check;   ///< of a value of the right type; none: read only
+    std::function<void(const boost::any&)> write;  ///< takes a value that was checked
+};
+
+using CardObjects = std::map<std::uint32_t, CardObject>;
+
+/// An object that does not change.
+void addConstant(CardObjects& objects, std::uint32_t oid, OidValueType type, const boost::any& value);
+
+/// Live counters of this host.
+void addHostObjects(CardObjects& objects);
+
+struct CsvReplay {
+    std::string file;
+    std::string timeColumn;  ///< empty: the column "time", if there is one
+    double interval = 1.0;   ///< seconds between rows, if there is no time column
+    double speed = 1.0;      ///< 2: twice as fast as recorded
+};
+
+/// The columns of a recording, replayed from now on, again and again. Throws CommandError if it cannot be read.
+void addCsvObjects(CardObjects& objects, const CsvReplay& replay);
+
+/// The signals of a description. Throws CommandError if it cannot be read.
+void addWaveObjects(CardObjects& objects, const std::string& file);
+
+#endif

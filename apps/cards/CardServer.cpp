@@ -1,0 +1,117 @@
+#include "cards/CardServer.h"
+
+#include <algorithm>
+
+#include "icsc/OBappsToICSC_1_0_C.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds LONGEST_WAIT{60'000};
+
+constexpr const char* INTERFACES[] = {"ReadWriteSync", "ReadWriteAsync"};
+
+}  // namespace
+
+class CardServer::Connection : public OBappsToICSC_1_0_C {
+public:
+    Connection(OBcomponent& component, const std::string& serviceName, CardServer& server)
+        : OBappsToICSC_1_0_C(component, serviceName.c_str()), m_server(server)
+    {
+    }
+
+protected:
+    void ICSCRead(const OBmessage& request, int, const buffer_t& tlvs) override
+    {
+        m_server.answerRead(*this, request, tlvs);
+    }
+
+    void ICSCWrite(const OBmessage& request, int, const buffer_t& tlvs) override
+    {
+        m_server.answerWrite(*this, request, tlvs);
+    }
+
+private:
+    CardServer& m_server;
+};
+
+CardServer::CardServer(OBcomponent& component, std::uint32_t slot, Card& card) : m_component(component), m_card(card)
+{
+    for (const char* const interface : INTERFACES) {
+        const std::string name = "ICSCClient" + std::to_string(slot) + "." + interface;
+        m_connections.push_back(std::make_unique<Connection>(component, name, *this));
+    }
+}
+
+CardServer::~CardServer() = default;
+
+std::vector<std::string> CardServer::places() const
+{
+    std::vector<std::string> places;
+    for (const auto& pConnection : m_connections) {
+        places.push_back(pConnection->serviceName() + " at " + pConnection->endpoint());
+    }
+    return places;
+}
+
+void CardServer::run()
+{
+    while (!m_component.isStopping()) {
+        m_component.dispatch(timeToNextAnswer());
+        giveDueAnswers();
+    }
+}
+
+void CardServer::answerRead(Connection& connection, const OBmessage& request, const buffer_t& tlvs)
+{
+    const Faults faults = faultsFor(tlvs);
+    Card::Answer answer = faults.result ? Card::Answer{*faults.result, buffer_t()} : m_card.read(tlvs);
+    if (answer.result == RESULT_OK) {
+        answer.tlvs = spoiltStream(faults, answer.tlvs);
+    }
+    give(connection, request, answer, faults);
+}
+
+void CardServer::answerWrite(Connection& connection, const OBmessage& request, const buffer_t& tlvs)
+{
+    const Faults faults = faultsFor(tlvs);
+    give(connection, request, {faults.result ? *faults.result : m_card.write(tlvs), buffer_t()}, faults);
+}
+
+Faults CardServer::faultsFor(const buffer_t& tlvs) const
+{
+    return Card::isAboutFaultsOnly(tlvs) ? Faults() : m_card.faults();
+}
+
+void CardServer::give(Connection& connection, const OBmessage& request, const Card::Answer& answer,
+                      const Faults& faults)
+{
+    if (faults.isWithoutAnswer) {
+        connection.giveUp(request);
+    } else if (faults.isSilent) {
+        return;
+    } else if (faults.delay) {
+        const auto delay = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(*faults.delay));
+        m_delayedAnswers.insert({Clock::now() + delay, {connection, request, answer}});
+    } else {
+        connection.reply(request, answer.tlvs, answer.result);
+    }
+}
+
+void CardServer::giveDueAnswers()
+{
+    const Clock::time_point now = Clock::now();
+    while (!m_delayedAnswers.empty() && (m_delayedAnswers.begin()->first <= now)) {
+        const DelayedAnswer due = m_delayedAnswers.begin()->second;
+        m_delayedAnswers.erase(m_delayedAnswers.begin());
+        due.connection.reply(due.request, due.answer.tlvs, due.answer.result);
+    }
+}
+
+std::chrono::milliseconds CardServer::timeToNextAnswer() const
+{
+    if (m_delayedAnswers.empty()) {
+        return LONGEST_WAIT;
+    }
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(m_delayedAnswers.begin()->first - Clock::now());
+    return std::clamp(wait, std::chrono::milliseconds(0), LONGEST_WAIT);
+}

@@ -1,0 +1,163 @@
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cards/CardObjects.h"
+#include "cards/OidTable.h"
+#include "cards/ValueText.h"
+#include "common/CommandLine.h"
+#include "common/LineReader.h"
+#include "samples/CsvReader.h"
+#include "samples/SampleTime.h"
+
+namespace {
+
+constexpr std::size_t MAX_ROWS = 1'000'000;
+
+// A recording is kept whole: it is replayed again and again.
+class Recording {
+public:
+    explicit Recording(const CsvReplay& replay) : m_replay(replay)
+    {
+        LineReader lines(replay.file);
+        CsvReader reader(lines);
+        while (std::optional<CsvRow> row = reader.next()) {
+            if (!row->fields.empty()) {
+                addRow(std::move(*row));
+            }
+        }
+        if (m_rows.empty()) {
+            throw CommandError(replay.file + ": no rows after the header");
+        }
+        setDuration();
+    }
+
+    std::vector<std::size_t> valueColumns() const
+    {
+        std::vector<std::size_t> columns;
+        for (std::size_t column = 0; column < m_header.size(); ++column) {
+            if (column != m_timeColumn) {
+                columns.push_back(column);
+            }
+        }
+        return columns;
+    }
+
+    const std::string& label(std::size_t column) const { return m_header[column]; }
+
+    /// The narrowest of int32, uint32, int64, uint64 and string that holds every value of the column.
+    OidValueType typeOf(std::size_t column) const
+    {
+        for (const OidValueType type : {OID_TYPE_INT32, OID_TYPE_UINT32, OID_TYPE_INT64, OID_TYPE_UINT64}) {
+            const auto fits = [&](const Row& row) { return valueOfText(type, row.fields[column]).has_value(); };
+            if (std::all_of(m_rows.begin(), m_rows.end(), fits)) {
+                return type;
+            }
+        }
+        return OID_TYPE_STRING;
+    }
+
+    /// The field of the row whose time it is.
+    const std::string& fieldNow(std::size_t column) const
+    {
+        const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
+        const double position = std::fmod(elapsed * m_replay.speed, m_duration);
+        const auto after = std::upper_bound(m_rows.begin(), m_rows.end(), position,
+                                            [](double seconds, const Row& row) { return seconds < row.seconds; });
+        return ((after == m_rows.begin()) ? *after : *(after - 1)).fields[column];
+    }
+
+private:
+    struct Row {
+        double seconds;  ///< since the first row
+        std::vector<std::string> fields;
+    };
+
+    void addRow(CsvRow row)
+    {
+        if (m_header.empty()) {
+            takeHeader(std::move(row.fields));
+            return;
+        }
+        const std::string place = m_replay.file + ":" + std::to_string(row.line);
+        if (row.fields.size() != m_header.size()) {
+            throw CommandError(place + ": " + std::to_string(row.fields.size()) + " fields, but the header has " +
+                               std::to_string(m_header.size()));
+        }
+        if (m_rows.size() == MAX_ROWS) {
+            throw CommandError(place + ": more than " + std::to_string(MAX_ROWS) + " rows");
+        }
+        const double seconds = secondsOfRow(row.fields, place);
+        if (!m_rows.empty() && (seconds < m_rows.back().seconds)) {
+            throw CommandError(place + ": its time is before that of the row above");
+        }
+        m_rows.push_back({seconds, std::move(row.fields)});
+    }
+
+    void takeHeader(std::vector<std::string> fields)
+    {
+        m_header = std::move(fields);
+        const std::string wanted = m_replay.timeColumn.empty() ? "time" : m_replay.timeColumn;
+        const auto column = std::find(m_header.begin(), m_header.end(), wanted);
+        if (column != m_header.end()) {
+            m_timeColumn = static_cast<std::size_t>(column - m_header.begin());
+        } else if (!m_replay.timeColumn.empty()) {
+            throw CommandError(m_replay.file + ": no column '" + m_replay.timeColumn + "'");
+        }
+        if (valueColumns().size() > oids::MAX_SIGNALS) {
+            throw CommandError(m_replay.file + ": more than " + std::to_string(oids::MAX_SIGNALS) + " columns");
+        }
+    }
+
+    double secondsOfRow(const std::vector<std::string>& fields, const std::string& place)
+    {
+        if (m_timeColumn == NO_COLUMN) {
+            return static_cast<double>(m_rows.size()) * m_replay.interval;
+        }
+        const std::optional<double> seconds = secondsOf(fields[m_timeColumn]);
+        if (!seconds) {
+            throw CommandError(place + ": '" + fields[m_timeColumn] + "' is not a time");
+        }
+        if (m_rows.empty()) {
+            m_firstTime = *seconds;
+        }
+        return *seconds - m_firstTime;
+    }
+
+    // The last row stays as long as the rows before it did on average.
+    void setDuration()
+    {
+        const double last = m_rows.back().seconds;
+        const double average = (m_rows.size() > 1) ? last / static_cast<double>(m_rows.size() - 1) : m_replay.interval;
+        m_duration = last + ((average > 0) ? average : m_replay.interval);
+    }
+
+    static constexpr std::size_t NO_COLUMN = static_cast<std::size_t>(-1);
+
+    const CsvReplay m_replay;
+    std::vector<std::string> m_header;
+    std::size_t m_timeColumn = NO_COLUMN;
+    double m_firstTime = 0;
+    std::vector<Row> m_rows;
+    double m_duration = 0;
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+};
+
+}  // namespace
+
+void addCsvObjects(CardObjects& objects, const CsvReplay& replay)
+{
+    const auto pRecording = std::make_shared<const Recording>(replay);
+    std::uint32_t index = 0;
+    for (const std::size_t column : pRecording->valueColumns()) {
+        const OidValueType type = pRecording->typeOf(column);
+        objects[oids::CSV_COLUMN + index] = {
+            type, [pRecording, column, type] { return *valueOfText(type, pRecording->fieldNow(column)); }, nullptr,
+            nullptr};
+        addConstant(objects, oids::CSV_LABEL + index, OID_TYPE_STRING, pRecording->label(column));
+        ++index;
+    }
+}

@@ -1,0 +1,64 @@
+#include "cards/ReadingOutput.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "cards/ResultText.h"
+#include "cards/ValueText.h"
+#include "common/ResultOutput.h"
+
+using Json = nlohmann::ordered_json;
+
+std::vector<std::string> alignedLines(const std::vector<std::vector<std::string>>& rows)
+{
+    std::vector<std::size_t> widths;
+    for (const std::vector<std::string>& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t column = 0; column + 1 < row.size(); ++column) {
+            widths[column] = std::max(widths[column], characterCount(row[column], row[column].size()));
+        }
+    }
+    std::vector<std::string> lines;
+    for (const std::vector<std::string>& row : rows) {
+        std::string line;
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            line += row[column];
+            if (column + 1 < row.size()) {
+                line.append(widths[column] - characterCount(row[column], row[column].size()) + 2, ' ');
+            }
+        }
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+Json jsonOfValue(const TypeValueRecord& record)
+{
+    switch (record.type) {
+        case OID_TYPE_UINT64: return boost::any_cast<unsigned long long>(record.value);
+        case OID_TYPE_UINT32: return boost::any_cast<unsigned int>(record.value);
+        case OID_TYPE_UINT16: return boost::any_cast<unsigned short>(record.value);
+        case OID_TYPE_UINT8: return boost::any_cast<unsigned char>(record.value);
+        case OID_TYPE_INT64: return boost::any_cast<long long>(record.value);
+        case OID_TYPE_INT32: return boost::any_cast<int>(record.value);
+        case OID_TYPE_INT16: return boost::any_cast<short>(record.value);
+        case OID_TYPE_INT8: return boost::any_cast<signed char>(record.value);
+        case OID_TYPE_BOOL: return boost::any_cast<bool>(record.value);
+        case OID_TYPE_STRING:
+        case OID_TYPE_IPV4_ADDRESS:
+        case OID_TYPE_BUFFER:
+        case OID_TYPE_MAC_ADDRESS: break;
+    }
+    return textOfValue(record.type, record.value);
+}
+
+Json jsonOfResult(std::int32_t code)
+{
+    const ResultText text = resultTextOf(code);
+    return {{"code", code}, {"name", text.name}, {"meaning", text.meaning}};
+}
+
+std::string lineOfJson(const Json& json)
+{
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}

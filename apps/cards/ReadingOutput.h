@@ -1,0 +1,23 @@
+#ifndef APPS_CARDS_READING_OUTPUT_H
+#define APPS_CARDS_READING_OUTPUT_H
+
+// Values of objects and result codes as the commands print them.
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "cards/CardClient.h"
+
+/// Lines of cells, each column as wide as its widest cell; the last cell of a line is not padded.
+std::vector<std::string> alignedLines(const std::vector<std::vector<std::string>>& rows);
+
+nlohmann::ordered_json jsonOfValue(const TypeValueRecord& record);
+
+/// "code", "name" and "meaning".
+nlohmann::ordered_json jsonOfResult(std::int32_t code);
+
+/// One line; bytes that are not UTF-8 are replaced.
+std::string lineOfJson(const nlohmann::ordered_json& json);
+
+#endif

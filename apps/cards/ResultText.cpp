@@ -1,0 +1,66 @@
+#include "cards/ResultText.h"
+
+#include <iterator>
+#include <sstream>
+
+namespace {
+
+const ResultText GENERAL_RESULTS[] = {
+    {"SUCCESS", "done"},
+    {"GENERAL_ERROR", "the service does not know this interface, version or operation"},
+    {"TIMEOUT", "the card did not answer in time"},
+    {"INVALID_RESPONSE", "what was sent could not be understood"},
+    {"INTERNAL_ERROR", "the service failed to handle the request"},
+    {"SENDING_MSG_TO_IFC_CARD_FAILED", "the service could not reach its card"},
+    {"INVALID_NR_OF_TLVS", "the request does not hold as many elements as it says"},
+    {"MESSAGE_TOO_LARGE", "request or answer do not fit into 2048 bytes"},
+    {"MESSAGE_TOO_SHORT", "the request is cut off"},
+};
+
+const ResultText CARD_RESULTS[] = {
+    {"RESULT OK", "done"},
+    {"RESULT PROTOCOL VERSION_MISMATCH", "service and card speak different versions"},
+    {"RESULT DUPLICATE MSG", "the card had this message before"},
+    {"RESULT LOST MSG", "the card missed a message before this one"},
+    {"RESULT INVALID ACTION", "the card does not know the action"},
+    {"RESULT GENERAL ERROR", "the card failed"},
+    {"RESULT WRONG TYPE", "the object has another type"},
+    {"RESULT WRONG OID", "the card has no such object"},
+    {"RESULT WRONG LEN", "the value is longer or shorter than its type"},
+    {"RESULT WRONG VALUE", "the object does not take this value"},
+    {"RESULT READ ONLY", "the object cannot be written"},
+    {"RESULT TOO LONG", "the value is longer than the object takes"},
+    {"RESULT CANNOT EXEC", "the card cannot do this now"},
+    {"RESULT WRONG MAGIC", "the card did not recognise the message"},
+    {"RESULT NOT RECEIVED", "the card did not receive the message"},
+    {"RESULT NOT SEND", "the card could not send its answer"},
+};
+
+}  // namespace
+
+ResultText resultTextOf(std::int32_t code)
+{
+    if (code == NO_ANSWER) {
+        return {"no answer", "nobody serves the slot, nothing came back in time, or it was no sound answer"};
+    }
+    const std::uint32_t generalResult = static_cast<std::uint32_t>(code) >> 24U;
+    const std::uint32_t cardResult = static_cast<std::uint32_t>(code) & 0x00FFFFFFU;
+    if ((generalResult == 0) && (cardResult < std::size(CARD_RESULTS))) {
+        return CARD_RESULTS[cardResult];
+    }
+    if ((generalResult != 0) && (generalResult < std::size(GENERAL_RESULTS))) {
+        return GENERAL_RESULTS[generalResult];
+    }
+    return {"unknown", "a result code without a meaning"};
+}
+
+std::string describeResult(std::int32_t code)
+{
+    const ResultText text = resultTextOf(code);
+    std::ostringstream line;
+    if (code != NO_ANSWER) {
+        line << std::dec << code << "=0x" << std::hex << static_cast<std::uint32_t>(code) << '=';
+    }
+    line << text.name << ": " << text.meaning;
+    return line.str();
+}

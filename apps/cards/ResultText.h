@@ -1,0 +1,21 @@
+#ifndef APPS_CARDS_RESULT_TEXT_H
+#define APPS_CARDS_RESULT_TEXT_H
+
+#include <cstdint>
+#include <string>
+
+/// A call that brought no answer at all, in place of a result code.
+constexpr std::int32_t NO_ANSWER = -1;
+
+struct ResultText {
+    std::string name;
+    std::string meaning;
+};
+
+/// What an ICSC result code is called and means.
+ResultText resultTextOf(std::int32_t code);
+
+/// All in one line, as in "7=0x7=RESULT WRONG OID: the card has no such object".
+std::string describeResult(std::int32_t code);
+
+#endif

@@ -1,0 +1,36 @@
+#include "cards/StopOnSignals.h"
+
+#include <csignal>
+
+namespace {
+
+constexpr int SIGNALS[] = {SIGINT, SIGTERM};
+
+OBcomponent* pComponentToStop = nullptr;
+
+void stopComponent(int)
+{
+    pComponentToStop->stop();
+}
+
+void handleSignals(void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    for (const int signal : SIGNALS) {
+        ::sigaction(signal, &action, nullptr);
+    }
+}
+
+}  // namespace
+
+StopOnSignals::StopOnSignals(OBcomponent& component)
+{
+    pComponentToStop = &component;
+    handleSignals(stopComponent);
+}
+
+StopOnSignals::~StopOnSignals()
+{
+    handleSignals(SIG_DFL);
+}

@@ -1,0 +1,90 @@
+#include "commands/CardSet.h"
+
+#include "cards/CardClient.h"
+#include "cards/ReadPlan.h"
+#include "cards/ReadingOutput.h"
+#include "cards/ResultText.h"
+#include "cards/ValueText.h"
+#include "common/ResultOutput.h"
+
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+// A write that the card warns about is done.
+constexpr std::int32_t DUPLICATE_MESSAGE = 2;
+constexpr std::int32_t LOST_MESSAGE = 3;
+
+OidTypeValue valueOfAssignment(const std::string& assignment)
+{
+    const std::size_t posEqual = assignment.find('=');
+    const std::size_t posColon = assignment.find(':', posEqual);
+    if ((posEqual == std::string::npos) || (posColon == std::string::npos)) {
+        throw CommandError("'" + assignment + "' is not OID=TYPE:VALUE");
+    }
+    const std::string typeName = assignment.substr(posEqual + 1, posColon - posEqual - 1);
+    const std::optional<OidValueType> type = typeOfName(typeName);
+    if (!type) {
+        throw CommandError("'" + typeName + "' is no type (docs/cards.md)");
+    }
+    const std::string text = assignment.substr(posColon + 1);
+    const std::optional<boost::any> value = valueOfText(*type, text);
+    if (!value) {
+        throw CommandError("'" + text + "' is no " + typeName);
+    }
+    return {oidOfArgument(assignment.substr(0, posEqual)), *type, *value};
+}
+
+std::string namesOf(const OidTypeValueContainer& values)
+{
+    std::string names;
+    for (const OidTypeValue& value : values) {
+        names += (names.empty() ? "" : " ") + nameOfOid(value.oid);
+    }
+    return names;
+}
+
+void tellJson(std::uint32_t slot, const OidTypeValueContainer& values, std::int32_t result, bool isWritten,
+              ResultOutput& output)
+{
+    Json json = {{"slot", slot}, {"oids", Json::array()}, {"written", isWritten}, {"result", jsonOfResult(result)}};
+    for (const OidTypeValue& value : values) {
+        json["oids"].push_back(value.oid);
+    }
+    output.writeLine(lineOfJson(json));
+}
+
+void tellText(const OidTypeValueContainer& values, std::int32_t result, bool isWritten, ResultOutput& output)
+{
+    const std::string verdict =
+        isWritten ? output.coloured(Colour::GREEN, "written") : output.coloured(Colour::RED, "failed");
+    const std::string detail = (result == 0) ? "" : ": " + describeResult(result);
+    output.writeLine(namesOf(values) + ": " + verdict + detail);
+}
+
+}  // namespace
+
+ExitCode setObjects(const CardSetOptions& options)
+{
+    OidTypeValueContainer values;
+    for (const std::string& assignment : options.assignments) {
+        values.push_back(valueOfAssignment(assignment));
+    }
+    CardClient client(options.slot);
+    ResultOutput output;
+    bool isAllWritten = true;
+    for (const OidTypeValueContainer& request : requestsFor(values)) {
+        const std::int32_t result = client.write(request, options.timeout);
+        isAllWritten = (result == 0) || (result == DUPLICATE_MESSAGE) || (result == LOST_MESSAGE);
+        if (options.isJson) {
+            tellJson(options.slot, request, result, isAllWritten, output);
+        } else {
+            tellText(request, result, isAllWritten, output);
+        }
+        if (!isAllWritten) {
+            break;
+        }
+    }
+    output.finish();
+    return isAllWritten ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
+}

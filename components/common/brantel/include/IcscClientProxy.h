@@ -1,0 +1,97 @@
+#ifndef ICSC_CLIENT_PROXY_H
+#define ICSC_CLIENT_PROXY_H
+
+// The process's client to the status-and-control service (ICSC) of the interface cards: reads and writes OIDs on the
+// card in a slot. A component calls, in this order:
+//
+//     createInstance                                         once, at start-up
+//     subscribeInterface, subscribeAsyncInterface            for each slot that it serves
+//     getOidsSync, setOids                                   on slots with a synchronous subscription
+//     getOidsAsync                                           on slots with an asynchronous one
+//     deleteInstance                                         at shutdown; ends all subscriptions
+//
+// Slots are 0 to 9; every other slot is reported as a violated invariant.
+//
+// A card answers with a result code: 0 is success; the most significant byte, unless it is 0, is the framework's result
+// (2: timeout, ...), and otherwise the low 24 bits are the card's (7: wrong OID, ...). Log lines name it.
+//
+// Timeouts are in seconds. Calls are made on the component's thread; there are no locks.
+//
+// Errors go to syslog when the trace level is above 2, warnings when it is above 3; violated invariants go to
+// logAssertFailed at any level. Nothing is retried.
+
+#include <cstdint>
+#include <memory>
+
+#include "BrantelExport.h"
+#include "IfcCardStatusAndControl.h"
+#include "message/buffer_t.h"
+
+class OBappsToICSC_1_0_P;
+class OBappsToICSC_1_0_PR;
+class OBcomponent;
+
+class BRANTEL_EXPORT IcscClientProxy {
+public:
+    /// Creates the instance, without subscriptions. Reports, and keeps the existing one, if there is one.
+    static void createInstance();
+
+    /// The instance. Reports if there is none; the reference must not be used then.
+    static IcscClientProxy& getInstance();
+
+    /// Destroys the instance and with it its subscriptions, slot by slot; nothing happens if there is none.
+    static void deleteInstance();
+
+    IcscClientProxy(const IcscClientProxy&) = delete;
+    IcscClientProxy& operator=(const IcscClientProxy&) = delete;
+
+    /// Subscribes the slot's synchronous interface, ICSCClient<slot>.ReadWriteSync, for `component`, which must outlive
+    /// the instance. A slot that is subscribed already stays as it is.
+    void subscribeInterface(std::uint32_t slot, OBcomponent& component);
+
+    /// Subscribes the slot's asynchronous interface, ICSCClient<slot>.ReadWriteAsync; the framework delivers answers to
+    /// `replyInterface`, which must outlive the instance like `component`. A slot that is subscribed already stays as
+    /// it is.
+    void subscribeAsyncInterface(std::uint32_t slot, OBcomponent& component, OBappsToICSC_1_0_PR& replyInterface);
+
+    /// Reads `oids` from the card and adds their values to `values`; waits for the answer. Returns
+    ///     0             success; also, after a report, for a wrong slot or one without synchronous subscription
+    ///     -1            the call failed, or its answer could not be decoded (convertTlvsToOidTypeValueMap tells what
+    ///                   becomes of `values`)
+    ///     result code   the framework or the card refused
+    /// An OID that `values` already has makes the answer fail as a duplicate. More than 255 OIDs do not fit into a
+    /// request: what buffer_t throws goes to the caller.
+    std::int32_t getOidsSync(std::uint32_t slot, const ObjectIdContainer& oids, OidTypeValueMap& values);
+
+    /// Sends a request to read `oids`; does not wait. The answer goes to the reply interface of the subscription.
+    /// Returns false for a wrong slot or one without asynchronous subscription (reported), and when the call or its
+    /// result code tells of a failure. More than 255 OIDs are refused as in getOidsSync.
+    bool getOidsAsync(std::uint32_t slot, const ObjectIdContainer& oids);
+
+    /// Writes `values` to the card and waits at most `timeout` seconds for the result; 0 stands for 5. The slot must
+    /// have a synchronous subscription: only the slot's number is checked. Returns false for a wrong slot (reported),
+    /// values that cannot be encoded, a failed call, and a result code other than 0, 2 (duplicate message) and 3 (lost
+    /// message); the last two are warnings.
+    bool setOids(std::uint32_t slot, const OidTypeValueContainer& values, std::int32_t timeout);
+
+    /// The synchronous call that getOidsSync and setOids share: a read, whose answer replaces the request in `tlvs`, or
+    /// a write. The reply wait time is `timeout` + 2 seconds. Sets `result` to the result code. Returns false, after an
+    /// error line, when the call itself failed. The caller has checked the slot and its subscription.
+    bool getSetOidsCommon(bool read, std::uint32_t slot, std::int32_t timeout, buffer_t& tlvs, std::int32_t& result);
+
+private:
+    static constexpr std::uint32_t N_SLOTS = 10;
+
+    IcscClientProxy();
+    ~IcscClientProxy();
+
+    std::unique_ptr<OBappsToICSC_1_0_P> m_pOBappsToICSC_sync[N_SLOTS];
+    std::unique_ptr<OBappsToICSC_1_0_P> m_pOBappsToICSC_async[N_SLOTS];
+
+    static IcscClientProxy* m_pInstance;
+};
+
+/// Holds what the client takes for granted at compile time; does nothing at run time.
+BRANTEL_EXPORT void doIcscClientProxyCompileTimeAssertions();
+
+#endif

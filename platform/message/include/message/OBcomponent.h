@@ -1,0 +1,70 @@
+#ifndef MESSAGE_OB_COMPONENT_H
+#define MESSAGE_OB_COMPONENT_H
+
+// A component: a named part of the node that calls services through proxies (OBproxy) and serves requests through
+// connections (OBconnection). Both are bound to the component at their construction, and everything that arrives for
+// them is handled on the component's own thread, from its dispatch loop:
+//
+//     OBcomponent component("EventManager");
+//     ...                                       // create proxies and connections
+//     component.run();                          // until somebody calls component.stop()
+//
+// A program with a loop of its own waits for fileDescriptor() to become readable and then calls dispatch(0ms).
+//
+// A component, its proxies and its connections are used on one thread; several components may live on several threads.
+// A component may be destroyed before its proxies and connections; calls then go on, dispatching ends.
+// The framework runs threads in the background, so fork before the first component is created, not after.
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "message/MessageExport.h"
+
+namespace obmessage {
+class Dispatcher;
+}
+
+class MESSAGE_EXPORT OBcomponent {
+public:
+    /// `name` appears in log lines. Services are found through the directory file that the environment variable
+    /// BRANTEL_MESSAGE_DIRECTORY names, if it is set, and in the runtime directory otherwise (docs/messages.md).
+    /// Throws std::runtime_error if the directory file cannot be used.
+    explicit OBcomponent(const std::string& name);
+
+    /// The same with a directory file of the caller's choice; the environment variable is not looked at.
+    OBcomponent(const std::string& name, const std::string& directoryFile);
+
+    ~OBcomponent();
+    OBcomponent(const OBcomponent&) = delete;
+    OBcomponent& operator=(const OBcomponent&) = delete;
+
+    const std::string& name() const;
+
+    /// Waits up to `timeout` for something to do, handles all that is due, and returns how many messages and expired
+    /// waits it handled: 0 after a timeout, or at once when the component is stopping. Must not be called from a
+    /// handler; it then returns 0 and logs an error. What a reply handler throws reaches the caller.
+    std::size_t dispatch(std::chrono::milliseconds timeout);
+
+    /// Dispatches until stop() is called; a stop() before run() counts.
+    void run();
+
+    /// Makes run() return, now or when it is next called. May be called on any thread and from signal handlers.
+    void stop() noexcept;
+
+    /// Whether stop() was called and no run() has returned since.
+    bool isStopping() const noexcept;
+
+    /// Becomes readable when dispatch() has something to do, and may do so when it has not. It belongs to the
+    /// component and is for waiting only (poll, epoll).
+    int fileDescriptor() const noexcept;
+
+private:
+    friend class OBproxy;
+    friend class OBconnection;
+
+    std::shared_ptr<obmessage::Dispatcher> m_pDispatcher;
+};
+
+#endif

@@ -1,0 +1,28 @@
+#ifndef TESTS_MESSAGE_MESSAGE_TEST_H
+#define TESTS_MESSAGE_MESSAGE_TEST_H
+
+// A runtime directory of the test's own, and the captured log.
+
+#include <cstdlib>
+#include <string>
+
+#include "TemporaryDirectory.h"
+#include "support/Diagnostics.h"
+
+constexpr const char* SERVICE = "ICSCClient3.ReadWriteSync";
+
+class MessageTest : public ::testing::Test {
+protected:
+    static constexpr std::int32_t WARNINGS = 4;
+
+    MessageTest()
+    {
+        ::setenv("XDG_RUNTIME_DIR", m_folder.path().c_str(), 1);
+        ::unsetenv("BRANTEL_MESSAGE_DIRECTORY");
+    }
+
+    DiagnosticsCapture m_diagnostics{WARNINGS};
+    TemporaryDirectory m_folder;
+};
+
+#endif
