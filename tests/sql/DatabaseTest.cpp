@@ -525,6 +525,17 @@ TEST_F(DatabaseFile, MayNameTablesAndColumnsByAnyText)
     EXPECT_EQ(database.differenceFrom(odd), std::nullopt);
 }
 
+TEST_F(DatabaseFile, MayHaveATableWhoseKeyIsAText)
+{
+    const Definition definition{Field("Author", field_type::TEXT, NOT_NULL | PRIMARY_KEY), Field()};
+    Database database = Database::create(m_path, identity, {{"Authors", definition}});
+    Table table(database, "Authors", definition);
+    for (const char* author : {"b", "c", "a"}) {
+        table.insert({author});
+    }
+    EXPECT_EQ(table.select({}), (std::vector<Row>{{"a"}, {"b"}, {"c"}}));
+}
+
 TEST_F(DatabaseFile, NeedsATypeAndAColumnToMakeATable)
 {
     const Definition noColumns{Field(), Field("BehindTheEnd", field_type::TEXT, 0)};
