@@ -1,0 +1,92 @@
+#include "common/ResultOutput.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <system_error>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "common/CommandLine.h"
+
+namespace {
+
+bool isRegularFile(int file)
+{
+    struct stat status = {};
+    return (fstat(file, &status) == 0) && S_ISREG(status.st_mode);
+}
+
+bool isSet(const char* variable)
+{
+    const char* const value = std::getenv(variable);
+    return (value != nullptr) && (*value != '\0');
+}
+
+bool isColourTerminal(int file)
+{
+    const char* const terminal = std::getenv("TERM");
+    return (isatty(file) != 0) && !isSet("NO_COLOR") && (terminal != nullptr) && (std::string(terminal) != "dumb");
+}
+
+void throwUnless(bool isWritten)
+{
+    if (!isWritten) {
+        throw CommandError("cannot write to standard output: " + std::generic_category().message(errno));
+    }
+}
+
+}  // namespace
+
+ResultOutput::ResultOutput() : m_isFile(isRegularFile(STDOUT_FILENO)), m_isColoured(isColourTerminal(STDOUT_FILENO)) {}
+
+void ResultOutput::writeLine(const std::string& text)
+{
+    throwUnless(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
+    throwUnless(std::fputc('\n', stdout) != EOF);
+    if (!m_isFile) {
+        finish();
+    }
+}
+
+void ResultOutput::finish()
+{
+    throwUnless(std::fflush(stdout) == 0);
+}
+
+std::string ResultOutput::coloured(Colour colour, const std::string& text) const
+{
+    if (!m_isColoured) {
+        return text;
+    }
+    const char* start = "\x1b[2m";
+    switch (colour) {
+        case Colour::GREEN: start = "\x1b[32m"; break;
+        case Colour::RED: start = "\x1b[31m"; break;
+        case Colour::DIM: break;
+    }
+    return start + text + "\x1b[0m";
+}
+
+std::string printable(const std::string& text)
+{
+    std::string result = text;
+    for (char& character : result) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '\t') {
+            character = ' ';
+        } else if ((byte < 0x20) || (byte == 0x7F)) {
+            character = '?';
+        }
+    }
+    return result;
+}
+
+std::size_t characterCount(const std::string& text, std::size_t length)
+{
+    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(length, text.size()));
+    const auto isNoContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; };
+    return static_cast<std::size_t>(std::count_if(text.begin(), end, isNoContinuation));
+}

@@ -1,0 +1,63 @@
+#ifndef APPS_RULES_RULE_SESSION_H
+#define APPS_RULES_RULE_SESSION_H
+
+// A parsed rule fed with one sample after the other: calls the check function of the rule's type and carries what the
+// caller of these functions has to carry, the previous sample and the states.
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "EventMgmtRulesCppObjects.h"
+
+/// A sample of a signed or an unsigned rule.
+using SampleValue = std::int64_t;
+
+/// The samples that a rule can be asked about.
+struct SampleRange {
+    SampleValue lowest;
+    SampleValue highest;
+};
+
+SampleRange sampleRange(bool isUnsigned);
+
+/// The reason against rules with several parts: their type is that of the last part, and never fits the number of their
+/// expressions.
+constexpr const char* SEVERAL_PARTS = "a rule of several parts is never evaluated: make each part a rule of its own";
+
+/// Why `rule`, as the parser filled it, can not be evaluated; nothing if it can.
+std::optional<std::string> reasonAgainstEvaluation(const vemorRules::RuleObject& rule);
+
+/// One condition of a rule after a sample. A double hysteresis has two, "upper" and "lower"; every other rule has one,
+/// without a name.
+struct ConditionState {
+    std::string name;
+    bool isRaised;
+    bool hasChanged;  ///< since the sample before; every condition starts cleared
+};
+
+class RuleSession {
+public:
+    /// `rule` can be evaluated (reasonAgainstEvaluation).
+    RuleSession(const vemorRules::RuleObject& rule, bool isUnsigned);
+
+    /// The names of the conditions, in the order in which evaluate tells their states.
+    std::vector<std::string> conditionNames() const;
+
+    /// Decides on the next sample, which is within sampleRange. Tells nothing when there is nothing to decide yet: on
+    /// the first sample of a delta rule.
+    std::vector<ConditionState> evaluate(SampleValue sample);
+
+private:
+    template <typename T>
+    void decide(T sample);
+
+    vemorRules::RuleObject m_rule;
+    bool m_isUnsigned;
+    std::optional<SampleValue> m_previousSample;
+    std::array<bool, 2> m_isRaised{};  ///< of the only condition, or of upper and lower
+};
+
+#endif
