@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "commands/DbCommands.h"
 #include "commands/RuleCommands.h"
 #include "common/CommandLine.h"
 #include "trace/TraceObject.h"
@@ -65,6 +66,7 @@ int main(int argc, char** argv)
     app.add_option("-v,--trace-level", traceLevel, "How much the library logs (3: errors)")->type_name("N");
     app.add_flag("--log-stderr", logsToStandardError, "Copy diagnostics to standard error");
     addRuleCommands(app, invocation);
+    addDbCommands(app, invocation);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& answer) {
