@@ -10,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/DbCommands.h"
+#include "commands/PortsCommands.h"
 #include "commands/RuleCommands.h"
 #include "common/CommandLine.h"
 #include "trace/TraceObject.h"
@@ -24,7 +25,9 @@ constexpr const char* EXAMPLES =
 Examples:
   brantel rule check 'expr=signed(value>100)'
   brantel -v 9 --log-stderr rule check 'expr=signed(value>100)'
-  brantel rule eval --help)";
+  brantel rule eval --help
+  brantel db check
+  brantel ports --backplane 3)";
 
 ExitCode runInvocation(const Invocation& invocation)
 {
@@ -67,6 +70,7 @@ int main(int argc, char** argv)
     app.add_flag("--log-stderr", logsToStandardError, "Copy diagnostics to standard error");
     addRuleCommands(app, invocation);
     addDbCommands(app, invocation);
+    addPortsCommands(app, invocation);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& answer) {
