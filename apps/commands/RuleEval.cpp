@@ -67,7 +67,12 @@ public:
         }
     }
 
-    void skip() { ++m_skipped; }
+    void skip(const std::string& fault)
+    {
+        ++m_skipped;
+        m_output.finish();  // in the order in which it happens
+        std::cerr << "brantel: " << fault << ", skipped\n";
+    }
 
     /// False if there was nothing that could be evaluated.
     bool hasSamples() const { return m_evaluable > 0; }
@@ -226,8 +231,7 @@ ExitCode evaluateRule(const RuleEvalOptions& options)
         if (options.onError == "fail") {
             throw CommandError(fault);
         }
-        std::cerr << "brantel: " << fault << ", skipped\n";
-        evaluation.skip();
+        evaluation.skip(fault);
     }
     if (!evaluation.hasSamples()) {
         throw CommandError(lines.name() + ": there is no sample to evaluate");

@@ -1,5 +1,6 @@
 #include "common/LineReader.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -39,14 +40,15 @@ std::optional<std::string> LineReader::next()
     std::size_t searchFrom = m_begin;
     for (;;) {
         const std::size_t posEnd = m_buffer.find('\n', searchFrom);
-        if (posEnd != std::string::npos) {
-            std::string line = takeLine(posEnd - m_begin);
-            m_begin = posEnd + 1;
-            return line;
-        }
-        if (m_buffer.size() - m_begin > MAX_LINE_LENGTH) {
+        const std::size_t length = std::min(posEnd, m_buffer.size()) - m_begin;
+        if (length > MAX_LINE_LENGTH) {
             throw CommandError(m_name + ":" + std::to_string(m_lineNumber + 1) + ": the line is longer than " +
                                std::to_string(MAX_LINE_LENGTH) + " bytes");
+        }
+        if (posEnd != std::string::npos) {
+            std::string line = takeLine(length);
+            m_begin = posEnd + 1;
+            return line;
         }
         m_buffer.erase(0, m_begin);
         m_begin = 0;

@@ -16,7 +16,7 @@ public:
     /// Writes `text` and a line end. Throws CommandError.
     void writeLine(const std::string& text);
 
-    /// Writes what is still buffered; the last call. Throws CommandError.
+    /// Writes what is still buffered; before anything else is written, and last. Throws CommandError.
     void finish();
 
     /// `text` in a colour, if results are read by a person: standard output is a terminal that knows colours, and

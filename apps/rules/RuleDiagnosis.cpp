@@ -19,6 +19,7 @@ constexpr const char* OPERATORS = "the operators are < <= > >= == !=";
 constexpr const char* ONE_COMPARISON =
     "compare once, or join two comparisons with 'and' or 'or': value > 1 and value < 5";
 constexpr const char* SIGNED_OR_UNSIGNED = "write expr=signed(...) or expr=unsigned(...)";
+constexpr const char* SIZE_OF_CHANGE = "write the size of the change: 0 or more";
 constexpr const char* TAB_IS_NO_BLANK = "remove the tab: only spaces are ignored";
 
 std::string quoted(const std::string& text)
@@ -84,7 +85,8 @@ Fault faultOfNumber(const MappedText& number, bool isDelta)
     }
     const bool isNegative = (text[0] == '-');
     if (isNegative && isUnsigned) {
-        return faultOf(number, "an unsigned rule takes no negative number", "write 'signed(' for a signed rule");
+        return faultOf(number, "an unsigned rule takes no negative number",
+                       isDelta ? SIZE_OF_CHANGE : "write 'signed(' for a signed rule");
     }
     const std::size_t posNoDigit = text.find_first_not_of("0123456789", isNegative ? 1 : 0);
     if (posNoDigit != std::string::npos) {
@@ -100,7 +102,7 @@ Fault faultOfNumber(const MappedText& number, bool isDelta)
         return faultOf(number, "'-' without a number", "write digits after the '-'");
     }
     if (isDelta && isNegative && (value != 0)) {
-        return faultOf(number, "a delta is never negative", "write the size of the change: 0 or more");
+        return faultOf(number, "a delta is never negative", SIZE_OF_CHANGE);
     }
     return std::nullopt;
 }

@@ -104,8 +104,8 @@ void SampleReader::readValue(const std::vector<std::string>& fields, Sample& sam
         return;
     }
     if (fields.size() != m_columns) {
-        sample.fault =
-            "the row has " + std::to_string(fields.size()) + " columns and the first row " + std::to_string(m_columns);
+        sample.fault = "the number of columns is " + std::to_string(fields.size()) + " and in the first row " +
+                       std::to_string(m_columns);
         return;
     }
     if (m_timeColumn) {

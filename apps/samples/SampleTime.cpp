@@ -1,6 +1,7 @@
 #include "samples/SampleTime.h"
 
 #include <charconv>
+#include <cmath>
 #include <ctime>
 #include <system_error>
 
@@ -12,7 +13,7 @@ std::optional<double> takeNumber(std::string& text)
     double number = 0;
     const auto [pEnd, error] =
         std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
-    if (error != std::errc()) {
+    if ((error != std::errc()) || !std::isfinite(number)) {
         return std::nullopt;
     }
     text.erase(0, static_cast<std::size_t>(pEnd - text.data()));

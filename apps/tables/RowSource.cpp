@@ -1,10 +1,12 @@
 #include "tables/RowSource.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <system_error>
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <nlohmann/json.hpp>
@@ -244,7 +246,7 @@ private:
         if (path != "-") {
             file.open(path, std::ios::binary);
             if (!file) {
-                throw CommandError("cannot read " + path);
+                throw CommandError("cannot read " + path + ": " + std::generic_category().message(errno));
             }
         }
         try {

@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "FullDisk.h"
-#include "support/TemporaryFolder.h"
+#include "support/TemporaryDirectory.h"
 
 namespace sql {
 
@@ -103,8 +103,8 @@ protected:
     Database openForReading() const { return Database(m_path, identity, Database::Access::READ); }
     Database createBooks() const { return Database::create(m_path, identity, {booksTable}); }
 
-    TemporaryFolder m_folder;
-    std::string m_path = m_folder.path("books.db");
+    TemporaryDirectory m_directory;
+    std::string m_path = m_directory.path() + "/books.db";
 };
 
 TEST_F(DatabaseFile, IsCreatedWithItsTables)
@@ -143,7 +143,7 @@ TEST_F(DatabaseFile, IsLeftAsItIsWhenCreatedAgain)
 
 TEST_F(DatabaseFile, MayBeAnEmptyFileBefore)
 {
-    writeFile(m_path, "");
+    m_directory.write("books.db", "");
     Database database = createBooks();
     EXPECT_EQ(Table(database, "Books", books).count({}), 0);
 }
@@ -151,10 +151,10 @@ TEST_F(DatabaseFile, MayBeAnEmptyFileBefore)
 TEST_F(DatabaseFile, KeepsANameThatMeansSomethingElseToSqlite)
 {
     const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(m_folder.path());
+    std::filesystem::current_path(m_directory.path());
     Database::create(":memory:", identity, {booksTable});
     std::filesystem::current_path(before);
-    EXPECT_TRUE(std::filesystem::exists(m_folder.path(":memory:")));
+    EXPECT_TRUE(std::filesystem::exists(m_directory.path() + "/:memory:"));
 }
 
 TEST_F(DatabaseFile, IsNotCreatedByOpening)
@@ -174,7 +174,7 @@ TEST_F(DatabaseFile, MustBeAFile)
 TEST_F(DatabaseFile, ThatIsNoDatabaseIsRefusedAndKept)
 {
     const std::string content(5000, 'x');
-    writeFile(m_path, content);
+    m_directory.write("books.db", content);
     const Failure failure = problem(Problem::FOREIGN, "is not a database (file is not a database)");
     EXPECT_EQ(failureOf([&] { openForReading(); }), failure);
     EXPECT_EQ(failureOf([&] { openForWriting(); }), failure);
@@ -225,7 +225,7 @@ TEST_F(DatabaseFile, ThatIsReadOnlyIsNotOpenedForWriting)
 {
     createBooks();
     std::filesystem::permissions(m_path, std::filesystem::perms(0444));
-    std::filesystem::permissions(m_folder.path(), std::filesystem::perms(0777));
+    std::filesystem::permissions(m_directory.path(), std::filesystem::perms(0777));
     const WithoutRoot withoutRoot;
     if (!withoutRoot.succeeded) {
         GTEST_SKIP() << "cannot give up root's rights";
@@ -247,7 +247,7 @@ TEST_F(DatabaseFile, ThatIsDamagedSaysSo)
     }
     std::string content = contentOf(m_path);
     content.replace(content.size() / 2, 8192, 8192, '\xff');
-    writeFile(m_path, content);
+    m_directory.write("books.db", content);
 
     Database database = openForWriting();
     EXPECT_FALSE(database.findDamage().empty());

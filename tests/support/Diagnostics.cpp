@@ -1,15 +1,27 @@
 #include "support/Diagnostics.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <regex>
+#include <iterator>
+#include <mutex>
 #include <utility>
 
 #include <syslog.h>
 
 namespace {
 
+// What every line of the library starts with, after its tag.
+const std::string PREFIX = " %s:%d (%s) - ";
+
+std::mutex capturedMutex;
 Diagnostics captured;
+
+void capture(std::string text)
+{
+    const std::lock_guard<std::mutex> lock(capturedMutex);
+    captured.push_back(std::move(text));
+}
 
 std::string formatted(const char* format, va_list arguments)
 {
@@ -18,22 +30,31 @@ std::string formatted(const char* format, va_list arguments)
     return text;
 }
 
-std::string withoutLineNumber(const std::string& text)
-{
-    static const std::regex lineNumber(R"(^(\[\w+\] [^:]+):[1-9]\d* \()");
-    return std::regex_replace(text, lineNumber, "$1:# (");
-}
-
 void captureReport(const char* condition, const char* file, int line, const char* function)
 {
-    captured.push_back((line > 0) ? assertReport(condition, file, function) : "assertion report without a line");
+    capture((line > 0) ? assertReport(condition, file, function) : "assertion report without a line");
+}
+
+std::string taggedText(const std::string& tag, const std::string& file, const std::string& function,
+                       const std::string& message)
+{
+    return tag + " " + file + ":# (" + function + ") - " + message;
+}
+
+std::string capturedLine(int priority, const std::string& format, const std::string& text)
+{
+    return std::to_string(priority) + " " + format + " => " + text;
 }
 
 std::string taggedLine(int priority, const std::string& tag, const std::string& file, const std::string& function,
                        const std::string& format, const std::string& message)
 {
-    return std::to_string(priority) + " " + tag + " %s:%d (%s) - " + format + " => " + tag + " " + file + ":# (" +
-           function + ") - " + message;
+    return capturedLine(priority, tag + PREFIX + format, taggedText(tag, file, function, message));
+}
+
+bool startsWith(const std::string& text, const std::string& start)
+{
+    return text.compare(0, start.size(), start) == 0;
 }
 
 }  // namespace
@@ -41,11 +62,23 @@ std::string taggedLine(int priority, const std::string& tag, const std::string& 
 // Takes the place of the C library's for the whole test program.
 extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format, ...)
 {
+    const std::string formatText = format;
+    const std::size_t posPrefix = formatText.find(PREFIX);
+    std::string text;
     va_list arguments;
     va_start(arguments, format);
-    const std::string text = withoutLineNumber(formatted(format, arguments));
+    if (posPrefix == std::string::npos) {
+        text = formatted(format, arguments);
+    } else {
+        const char* const file = va_arg(arguments, const char*);
+        const int line = va_arg(arguments, int);
+        const char* const function = va_arg(arguments, const char*);
+        const std::string message = formatted(format + posPrefix + PREFIX.size(), arguments);
+        text = (line > 0) ? taggedText(formatText.substr(0, posPrefix), file, function, message)
+                          : "line without a source line";
+    }
     va_end(arguments);
-    captured.push_back(std::to_string(priority) + " " + format + " => " + text);
+    capture(capturedLine(priority, formatText, text));
 }
 
 std::string errorLine(const std::string& file, const std::string& function, const std::string& format,
@@ -65,11 +98,40 @@ std::string assertReport(const std::string& condition, const std::string& file, 
     return "assert " + condition + " @ " + file + " in " + function;
 }
 
+std::string SourceLines::error(const char* function, const char* format, ...) const
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string message = formatted(format, arguments);
+    va_end(arguments);
+    return errorLine(m_file, function, format, message);
+}
+
+std::string SourceLines::debug(const char* function, const char* format, ...) const
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string message = formatted(format, arguments);
+    va_end(arguments);
+    return debugLine(m_file, function, format, message);
+}
+
+Diagnostics writtenAt(std::int32_t traceLevel, const Diagnostics& all)
+{
+    Diagnostics written;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(written), [traceLevel](const std::string& text) {
+        const bool isError = startsWith(text, "3 [ERROR]");
+        const bool isDebug = startsWith(text, "7 [DEBUG3]");
+        return isError ? (traceLevel > 2) : isDebug ? (traceLevel > 8) : true;
+    });
+    return written;
+}
+
 DiagnosticsCapture::DiagnosticsCapture(std::int32_t traceLevel)
     : m_trace(traceLevel), m_pTraceBefore(g_traceObject), m_handlerBefore(setAssertFailedHandler(captureReport))
 {
     g_traceObject = &m_trace;
-    captured.clear();
+    take();
 }
 
 DiagnosticsCapture::~DiagnosticsCapture()
@@ -80,5 +142,6 @@ DiagnosticsCapture::~DiagnosticsCapture()
 
 Diagnostics DiagnosticsCapture::take()
 {
+    const std::lock_guard<std::mutex> lock(capturedMutex);
     return std::exchange(captured, {});
 }

@@ -24,6 +24,7 @@
 #include <vector>
 
 #include <boost/any.hpp>
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
 
 #include "BrantelExport.h"
 #include "EventMgmtRulesCppObjects.h"

@@ -2,7 +2,6 @@
 
 #include <limits>
 #include <locale>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -44,7 +43,7 @@ int numberOfExpressions(const RuleObject& rule)
 }
 
 template <typename T>
-std::string sampleAndResult(T sample, T result)
+std::string sampleAndResult(T sample, bool result)
 {
     std::ostringstream text;
     text.imbue(std::locale::classic());  // no thousands separators, whatever the program's locale
@@ -52,43 +51,37 @@ std::string sampleAndResult(T sample, T result)
     return text.str();
 }
 
-// The two functions below decide what the walk declined, and report as they go; no value when a fill failed.
+// The two functions below decide what the walk declined, and report as they go; false when a fill failed. Cold, so that
+// they stay out of the way of the walk.
 
 template <typename T>
-std::optional<T> substituteAndCheck(const Expression& expression, T value)
+[[gnu::cold]] bool substituteAndCheck(const Expression& expression, T value, bool& result)
 {
     boost::any filled(expression);
     if (!fillInValue(filled, value, typeid(ParamField))) {
-        return std::nullopt;
+        return false;
     }
-    return check<T>(filled);
+    result = (check<T>(filled) != 0);
+    return true;
 }
 
 template <typename T>
-std::optional<T> substituteAndCheckPair(const Expression& first, const Expression& second, T sample, bool previousState)
+[[gnu::cold]] bool substituteAndCheckPair(const Expression& first, const Expression& second, T sample,
+                                          bool previousState, bool& result)
 {
     boost::any filledFirst(first);
     boost::any filledSecond(second);
     if (!fillInValue(filledFirst, sample, typeid(ParamField)) ||
         !fillInValue(filledSecond, sample, typeid(ParamField)) ||
         !fillInValue(filledFirst, static_cast<T>(previousState), typeid(MemoryField))) {
-        return std::nullopt;
+        return false;
     }
     const T intermediateResult = check<T>(filledFirst);
     if (!fillInValue(filledSecond, intermediateResult, typeid(MemoryField))) {
-        return std::nullopt;
+        return false;
     }
-    return check<T>(filledSecond);
-}
-
-template <typename T>
-std::optional<T> walkPair(const Expression& first, const Expression& second, T sample, bool previousState)
-{
-    const auto intermediateResult = walkExpression<T>(first, {sample, static_cast<T>(previousState)});
-    if (!intermediateResult) {
-        return std::nullopt;
-    }
-    return walkExpression<T>(second, {sample, intermediateResult});
+    result = (check<T>(filledSecond) != 0);
+    return true;
 }
 
 }  // namespace
@@ -151,12 +144,11 @@ T check(const boost::any& operand)
         // No short cut: a placeholder left on the right is reported even when the left decides.
         const T left = check<T>(expression.m_leftOperand);
         const T right = check<T>(expression.m_rightOperand);
-        const auto result = applyOperator(expression.m_relationalOperator, left, right);
-        if (!result) {
+        bool result = false;
+        if (!applyOperator(expression.m_relationalOperator, left, right, result)) {
             ASSERT_OR_REPORT(false);
-            return 0;
         }
-        return *result;
+        return result;
     }
     if (heldType == typeid(ParamField)) {
         LOG_ERROR("ParamField not filled in");
@@ -172,15 +164,11 @@ T check(const boost::any& operand)
 template <typename T>
 bool checkInt(const Expression& expression, T value)
 {
-    auto number = walkExpression<T>(expression, {value, std::nullopt});
-    if (!number) {
-        number = substituteAndCheck(expression, value);
-    }
-    if (!number) {
+    bool result = false;
+    if (!walkSimpleExpression(expression, value, result) && !substituteAndCheck(expression, value, result)) {
         return false;
     }
-    const bool result = (*number != 0);
-    LOG_DEBUG3("%s", sampleAndResult<T>(value, result).c_str());
+    LOG_DEBUG3("%s", sampleAndResult(value, result).c_str());
     return result;
 }
 
@@ -223,15 +211,13 @@ bool checkSimpleDeltaRule(const RuleObject& rule, T firstSample, T secondSample)
 template <typename T>
 bool checkHysteresis(const Expression& first, const Expression& second, T sample, bool previousState)
 {
-    auto finalResult = walkPair(first, second, sample, previousState);
-    if (!finalResult) {
-        finalResult = substituteAndCheckPair(first, second, sample, previousState);
-    }
-    if (!finalResult) {
+    bool result = false;
+    if (!walkHysteresisPair(first, second, sample, previousState, result) &&
+        !substituteAndCheckPair(first, second, sample, previousState, result)) {
         return false;
     }
-    LOG_DEBUG3("%s", sampleAndResult(sample, *finalResult).c_str());
-    return *finalResult != 0;
+    LOG_DEBUG3("%s", sampleAndResult(sample, result).c_str());
+    return result;
 }
 
 template <typename T>

@@ -1,16 +1,18 @@
 #include "EventMgmtRulesParsing.h"
 
 #include <exception>
+#include <locale>
 #include <type_traits>
+#include <utility>
 
+#include <boost/algorithm/cxx11/any_of.hpp>
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/erase.hpp>
 #include <boost/algorithm/string/find.hpp>
+#include <boost/algorithm/string/find_iterator.hpp>
 #include <boost/algorithm/string/finder.hpp>
-#include <boost/algorithm/string/iter_find.hpp>
 #include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/split.hpp>
 #include <boost/lexical_cast.hpp>
 
 #include "Log.h"
@@ -46,14 +48,10 @@ const OperatorToken* findOperatorToken(const std::string& text)
 std::vector<std::string> splitAtEvery(const std::string& text, const char* token)
 {
     std::vector<std::string> pieces;
-    boost::iter_split(pieces, text, boost::first_finder(token));
-    return pieces;
-}
-
-std::vector<std::string> splitAtSeparator(const std::string& text, const char* separator)
-{
-    std::vector<std::string> pieces;
-    boost::split(pieces, text, boost::is_any_of(separator), boost::token_compress_off);
+    pieces.reserve(2);  // what nearly every text has
+    for (auto piece = boost::make_split_iterator(text, boost::first_finder(token)); !piece.eof(); ++piece) {
+        pieces.emplace_back(piece->begin(), piece->end());
+    }
     return pieces;
 }
 
@@ -67,10 +65,25 @@ ExpressionType simpleExpressionType(bool isDelta)
     return isDelta ? SIMPLE_EXPRESSION_DELTA : SIMPLE_EXPRESSION_VALUE;
 }
 
+// The operands are moved into the expression; its constructor would copy their trees.
+Expression makeExpression(RelationalOperator relationalOperator, boost::any&& left, boost::any&& right)
+{
+    Expression expression;
+    expression.m_relationalOperator = relationalOperator;
+    expression.m_leftOperand = std::move(left);
+    expression.m_rightOperand = std::move(right);
+    return expression;
+}
+
 // "<MemoryField> and|or (<ParamField> >|< threshold)", the form of every hysteresis expression.
 Expression hysteresisExpression(RelationalOperator joining, RelationalOperator comparison, int threshold)
 {
-    return {joining, MemoryField(), Expression(comparison, ParamField(), threshold)};
+    return makeExpression(joining, MemoryField(), makeExpression(comparison, ParamField(), threshold));
+}
+
+bool hasCapitals(const std::string& text)
+{
+    return boost::algorithm::any_of(text, boost::is_from_range('A', 'Z'));
 }
 
 }  // namespace
@@ -93,9 +106,12 @@ bool parseRule(const std::string& rule, RuleObject* pRuleObject)
     try {
         std::string normalised = rule;
         boost::erase_all(normalised, " ");
-        boost::to_lower(normalised);
+        // Rules have few capitals, and to ask a locale about each letter would cost more than all else in the parse.
+        if (hasCapitals(normalised)) {
+            boost::to_lower(normalised, std::locale::classic());
+        }
 
-        const std::vector<std::string> parts = splitAtSeparator(normalised, ";");
+        const std::vector<std::string> parts = splitAtEvery(normalised, ";");
         if (parts.empty()) {
             LOG_ERROR("Failed to split rule = '%s' in parts", rule.c_str());
             return false;
@@ -177,7 +193,7 @@ bool parseExpression(const std::string& part, RuleObject* pRuleObject)
     }
     if (pRuleObject != nullptr) {
         pRuleObject->m_expressionType = simpleExpressionType(isDelta);
-        pRuleObject->m_expressions.push_back(expression);
+        pRuleObject->m_expressions.push_back(std::move(expression));
     }
     return true;
 }
@@ -205,7 +221,8 @@ bool parseExpressionWithAndOrOr(const std::string& expr, bool isUnsigned, bool i
     }
     if (store) {
         pRuleObject->m_expressionType = simpleExpressionType(isDelta1);
-        pRuleObject->m_expressions.emplace_back(isOr ? LOGICAL_OR : LOGICAL_AND, expression1, expression2);
+        pRuleObject->m_expressions.push_back(
+            makeExpression(isOr ? LOGICAL_OR : LOGICAL_AND, std::move(expression1), std::move(expression2)));
     }
     return true;
 }
@@ -312,7 +329,7 @@ bool parseSingleHysterisExpression(const std::string& expr, bool isUnsigned, uns
     const std::string hystValues = expr.substr(posLeftBracket + 1, posRightBracket - posLeftBracket - 1);
     LOG_DEBUG3("hystValues = '%s'", hystValues.c_str());
 
-    const std::vector<std::string> args = splitAtSeparator(hystValues, ",");
+    const std::vector<std::string> args = splitAtEvery(hystValues, ",");
     if (args.size() != 2) {
         // As long as the position of the ")" says: the text may run on beyond the call.
         LOG_ERROR("Failed to find 2 arguments of hysteresis function : %s)", expr.substr(pos, posRightBracket).c_str());
@@ -394,7 +411,7 @@ bool extractIntegerValue(const std::string& text, T& value, bool isUnsigned)
     }
     // A lone "-" leaves nothing to check here and is refused by the conversion.
     const std::string digits = isNegative ? text.substr(1) : text;
-    if (!boost::all(digits, boost::is_digit())) {
+    if (!boost::all(digits, boost::is_from_range('0', '9'))) {
         LOG_ERROR("Not all characters of '%s' are digits", digits.c_str());
         return false;
     }

@@ -1,78 +1,126 @@
 #ifndef BRANTEL_PARSED_RULE_WALK_H
 #define BRANTEL_PARSED_RULE_WALK_H
 
-// The fast way to decide an expression: a walk over its operands in place, with the numbers that its placeholders stand
-// for beside it. It copies nothing, allocates nothing and reports nothing: it answers, or it declines (no value) when
-// there would be something to report. Where it answers, it answers as filling in and checking a copy would. Private.
+// The fast way to decide an expression of one of the shapes that the parser builds: a walk over its operands in place.
+// It copies nothing, allocates nothing and reports nothing: each function answers in `result`, or declines (returns
+// false) when the expression has another shape or there would be something to report. Where it answers, it answers as
+// filling in and checking a copy would. Private.
+//
+// What costs here is to ask an operand for its type, a virtual call. So each is asked as few times as can be, the usual
+// type is the likely one, and all functions become part of their caller, where each such call has a place of its own
+// and leads, rule after rule, to the same type.
 
-#include <optional>
 #include <typeinfo>
 
 #include <boost/any.hpp>
+#include <boost/config.hpp>
 
 #include "EventMgmtRulesCppObjects.h"
 
 namespace vemorRules {
 
-/// What the placeholders stand for; a MemoryField without a number makes the walk decline.
+// Sets `result` unless the operator is none of the eight.
 template <typename T>
-struct PlaceholderValues {
-    T param;
-    std::optional<T> memory;
-};
-
-template <typename T>
-std::optional<T> applyOperator(RelationalOperator relationalOperator, T left, T right)
+BOOST_FORCEINLINE bool applyOperator(RelationalOperator relationalOperator, T left, T right, bool& result)
 {
     switch (relationalOperator) {
-        case GREATER_THAN: return left > right;
-        case GREATER_OR_EQUAL: return left >= right;
-        case LESS_THAN: return left < right;
-        case LESS_OR_EQUAL: return left <= right;
-        case EQUAL: return left == right;
-        case NOT_EQUAL: return left != right;
-        case LOGICAL_AND: return (left != 0) && (right != 0);
-        case LOGICAL_OR: return (left != 0) || (right != 0);
+        case GREATER_THAN: result = (left > right); return true;
+        case GREATER_OR_EQUAL: result = (left >= right); return true;
+        case LESS_THAN: result = (left < right); return true;
+        case LESS_OR_EQUAL: result = (left <= right); return true;
+        case EQUAL: result = (left == right); return true;
+        case NOT_EQUAL: result = (left != right); return true;
+        case LOGICAL_AND: result = (left != 0) && (right != 0); return true;
+        case LOGICAL_OR: result = (left != 0) || (right != 0); return true;
     }
-    return std::nullopt;
+    return false;
 }
-
-template <typename T>
-std::optional<T> walkExpression(const Expression& expression, const PlaceholderValues<T>& values);
 
 // Types are told apart by address, which is enough for every rule that the parser builds. A type that only compares
 // equal, from a plug-in loaded apart, makes the walk decline.
-template <typename T>
-std::optional<T> walkOperand(const boost::any& operand, const PlaceholderValues<T>& values)
+template <typename Held>
+BOOST_FORCEINLINE bool isType(const std::type_info& heldType)
 {
-    const std::type_info* const pHeldType = &operand.type();
-    if (pHeldType == &typeid(ParamField)) {
-        return values.param;
-    }
-    if (pHeldType == &typeid(int)) {
-        return static_cast<T>(*boost::unsafe_any_cast<int>(&operand));
-    }
-    if (pHeldType == &typeid(unsigned int)) {
-        return static_cast<T>(*boost::unsafe_any_cast<unsigned int>(&operand));
-    }
-    if (pHeldType == &typeid(Expression)) {
-        return walkExpression(*boost::unsafe_any_cast<Expression>(&operand), values);
-    }
-    if (pHeldType == &typeid(MemoryField)) {
-        return values.memory;
-    }
-    return std::nullopt;
+    return BOOST_LIKELY(&heldType == &typeid(Held));
 }
 
 template <typename T>
-std::optional<T> walkExpression(const Expression& expression, const PlaceholderValues<T>& values)
+BOOST_FORCEINLINE bool readNumber(const boost::any& operand, T& number)
 {
-    const std::optional<T> left = walkOperand(expression.m_leftOperand, values);
-    const std::optional<T> right = walkOperand(expression.m_rightOperand, values);
-    if (!left || !right) {
-        return std::nullopt;
+    const std::type_info& heldType = operand.type();
+    if (isType<int>(heldType)) {
+        number = static_cast<T>(*boost::unsafe_any_cast<int>(&operand));
+        return true;
     }
-    return applyOperator(expression.m_relationalOperator, *left, *right);
+    if (isType<unsigned int>(heldType)) {
+        number = static_cast<T>(*boost::unsafe_any_cast<unsigned int>(&operand));
+        return true;
+    }
+    return false;
+}
+
+// A ParamField beside a number, in either order.
+template <typename T>
+BOOST_FORCEINLINE bool walkComparison(const Expression& expression, T value, bool& result)
+{
+    T number = 0;
+    if (isType<ParamField>(expression.m_leftOperand.type())) {
+        return readNumber(expression.m_rightOperand, number) &&
+               applyOperator(expression.m_relationalOperator, value, number, result);
+    }
+    return readNumber(expression.m_leftOperand, number) && isType<ParamField>(expression.m_rightOperand.type()) &&
+           applyOperator(expression.m_relationalOperator, number, value, result);
+}
+
+template <typename T>
+BOOST_FORCEINLINE bool walkNestedComparison(const boost::any& operand, T value, bool& result)
+{
+    return isType<Expression>(operand.type()) &&
+           walkComparison(*boost::unsafe_any_cast<Expression>(&operand), value, result);
+}
+
+// Two nested comparisons.
+template <typename T>
+BOOST_FORCEINLINE bool walkCombination(const Expression& expression, T value, bool& result)
+{
+    bool left = false;
+    bool right = false;
+    return walkNestedComparison(expression.m_leftOperand, value, left) &&
+           walkNestedComparison(expression.m_rightOperand, value, right) &&
+           applyOperator<int>(expression.m_relationalOperator, left, right, result);
+}
+
+// The expression of a value or delta rule: a combination or a comparison.
+template <typename T>
+BOOST_FORCEINLINE bool walkSimpleExpression(const Expression& expression, T value, bool& result)
+{
+    const RelationalOperator relationalOperator = expression.m_relationalOperator;
+    const bool isCombination = (relationalOperator == LOGICAL_AND) || (relationalOperator == LOGICAL_OR);
+    return isCombination ? walkCombination(expression, value, result) : walkComparison(expression, value, result);
+}
+
+// A MemoryField joined to a nested comparison; answers what the comparison alone yields.
+template <typename T>
+BOOST_FORCEINLINE bool walkHysteresisExpression(const Expression& expression, RelationalOperator joining, T sample,
+                                                bool& result)
+{
+    return (expression.m_relationalOperator == joining) && isType<MemoryField>(expression.m_leftOperand.type()) &&
+           walkNestedComparison(expression.m_rightOperand, sample, result);
+}
+
+// The pair of a hysteresis: raised when the sample raises it, or when it was raised and the sample keeps it.
+template <typename T>
+BOOST_FORCEINLINE bool walkHysteresisPair(const Expression& first, const Expression& second, T sample,
+                                          bool previousState, bool& result)
+{
+    bool keeps = false;
+    bool raises = false;
+    if (!walkHysteresisExpression(first, LOGICAL_AND, sample, keeps) ||
+        !walkHysteresisExpression(second, LOGICAL_OR, sample, raises)) {
+        return false;
+    }
+    result = (previousState && keeps) || raises;
+    return true;
 }
 
 }  // namespace vemorRules

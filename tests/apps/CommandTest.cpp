@@ -1,0 +1,138 @@
+// What holds for every subcommand: help, version, misuse, diagnostics, output that can not be written.
+
+#include <gtest/gtest.h>
+
+#include "apps/CommandRun.h"
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+CommandResult brantel(const Arguments& arguments, const CommandSetting& setting = {})
+{
+    return runProgram(BRANTEL_COMMAND, arguments, setting);
+}
+
+TEST(Command, TellsItsVersion)
+{
+    EXPECT_EQ(brantel({"--version"}), (CommandResult{0, "brantel " BRANTEL_VERSION "\n", ""}));
+}
+
+TEST(Command, HelpsWithExamplesOnEachLevel)
+{
+    for (const Arguments& level :
+         {Arguments{}, Arguments{"rule"}, Arguments{"rule", "check"}, Arguments{"rule", "eval"}}) {
+        Arguments arguments = level;
+        arguments.emplace_back("--help");
+        const CommandResult result = brantel(arguments);
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.err, "");
+        EXPECT_NE(result.out.find("Usage: brantel"), std::string::npos) << result.out;
+        EXPECT_NE(result.out.find("\nExamples:\n  "), std::string::npos) << result.out;
+    }
+}
+
+struct Misuse {
+    Arguments arguments;
+    const char* says;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Misuse& misuse)
+{
+    return stream << testing::PrintToString(misuse.arguments);
+}
+
+class MisusedCommand : public testing::TestWithParam<Misuse> {};
+
+TEST_P(MisusedCommand, ExitsWith2AndSaysWhy)
+{
+    EXPECT_EQ(brantel(GetParam().arguments),
+              (CommandResult{2, "", std::string(GetParam().says) + "\nRun with --help for more information.\n"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, MisusedCommand,
+    testing::Values(Misuse{{}, "A subcommand is required"}, Misuse{{"rule"}, "A subcommand is required"},
+                    Misuse{{"frob"}, "A subcommand is required"},
+                    Misuse{{"rule", "check"}, "A rule or --file is required"},
+                    Misuse{{"rule", "check", "--frob", ""}, "The following argument was not expected: --frob"},
+                    Misuse{{"rule", "check", "", "--file", "x"}, "rules excludes --file"},
+                    Misuse{{"rule", "check", "[a,b]"}, "A rule in brackets: give it with --file"},
+                    Misuse{{"rule", "check", "{}"}, "A rule in brackets: give it with --file"},
+                    Misuse{{"rule", "eval"}, "rule is required"},
+                    Misuse{{"rule", "eval", "a", "b"}, "The following argument was not expected: b"},
+                    Misuse{{"rule", "eval", "a", "--on-error", "ask"}, "--on-error: ask not in {skip,fail}"},
+                    Misuse{{"-v", "much", "rule", "check", ""}, "Could not convert: --trace-level = much"},
+                    Misuse{{"-v", "3000000000", "rule", "check", ""},
+                           "Could not convert: --trace-level = 3000000000"}));
+
+// `text` with "#" in place of every number that stands after `mark`.
+std::string withoutNumbersAfter(const std::string& mark, std::string text)
+{
+    for (std::size_t pos = text.find(mark); pos != std::string::npos; pos = text.find(mark, pos)) {
+        pos += mark.size();
+        text.replace(pos, text.find_first_not_of("0123456789", pos) - pos, "#");
+    }
+    return text;
+}
+
+// The diagnostics of a refused rule, without process id and line numbers.
+std::string diagnosticsOf(const Arguments& traceOptions)
+{
+    Arguments arguments = traceOptions;
+    arguments.insert(arguments.end(), {"rule", "check", "expr"});
+    return withoutNumbersAfter(".cpp:", withoutNumbersAfter("brantel[", brantel(arguments).err));
+}
+
+TEST(CommandDiagnostics, GoToStandardErrorOnRequest)
+{
+    constexpr const char* error =
+        "brantel[#]: [ERROR] EventMgmtRulesParsing.cpp:# (parseExpression) - No = sign in expression 'expr'\n";
+
+    EXPECT_EQ(diagnosticsOf({}), "");
+    EXPECT_EQ(diagnosticsOf({"--log-stderr"}), error);
+    EXPECT_EQ(diagnosticsOf({"--log-stderr", "-v", "2"}), "");
+    EXPECT_EQ(diagnosticsOf({"--log-stderr", "-v", "-1"}), "");
+    EXPECT_EQ(diagnosticsOf({"--log-stderr", "--trace-level", "8"}), error);
+    EXPECT_EQ(diagnosticsOf({"--log-stderr", "--trace-level", "9"}),
+              std::string("brantel[#]: [DEBUG3] EventMgmtRulesParsing.cpp:# (parseRule) - part 0 = 'expr'\n") +
+                  "brantel[#]: [DEBUG3] EventMgmtRulesParsing.cpp:# (parseExpression) - parseExpression='expr'\n" +
+                  error);
+}
+
+TEST(CommandDiagnostics, TakeTheirOptionsAfterTheSubcommandToo)
+{
+    const CommandResult result = brantel({"rule", "check", "", "--log-stderr", "-v", "9"});
+
+    EXPECT_EQ(result, (CommandResult{0, "argument 1: valid, empty rule: decides nothing\n", ""}));
+}
+
+TEST(CommandOutput, ThatCanNotBeWrittenIsAnError)
+{
+    const CommandSetting intoFullDevice{"1\n2\n", "/dev/full", "", {}};
+    const CommandResult fails{2, "", "brantel: cannot write to standard output: No space left on device\n"};
+
+    EXPECT_EQ(brantel({"rule", "check", ""}, intoFullDevice), fails);
+    EXPECT_EQ(brantel({"rule", "check", "--json", ""}, intoFullDevice), fails);
+    EXPECT_EQ(brantel({"rule", "eval", "expr=signed(value>1)"}, intoFullDevice), fails);
+    EXPECT_EQ(brantel({"--help"}, intoFullDevice),
+              (CommandResult{2, "", "brantel: cannot write to standard output\n"}));
+}
+
+TEST(CommandOutput, IsColouredOnATerminalOnly)
+{
+    const Arguments check = {"rule", "check", "expr=signed(value>1)", ""};
+    const auto firstLine = [&](const std::vector<std::string>& environment) {
+        return LiveCommand(BRANTEL_COMMAND, check, LiveCommand::Output::TERMINAL, environment).readLine();
+    };
+    const std::string plain = "argument 1: valid, signed value rule: raised while value > 1";
+
+    EXPECT_EQ(firstLine({"TERM=xterm", "NO_COLOR="}),
+              "argument 1: \x1b[32mvalid\x1b[0m, signed value rule: raised while value > 1\r\n");
+    EXPECT_EQ(firstLine({"TERM=xterm", "NO_COLOR=1"}), plain + "\r\n");
+    EXPECT_EQ(firstLine({"TERM=dumb", "NO_COLOR="}), plain + "\r\n");
+    EXPECT_EQ(brantel({"rule", "check", "expr=signed(value>1)"}, {"", "", "", {"TERM=xterm", "NO_COLOR="}}).out,
+              plain + "\n");
+}
+
+}  // namespace

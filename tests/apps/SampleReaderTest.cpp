@@ -1,0 +1,139 @@
+#include "samples/SampleReader.h"
+
+#include <gtest/gtest.h>
+
+#include "support/TemporaryDirectory.h"
+#include "common/CommandLine.h"
+#include "samples/SampleTime.h"
+
+namespace {
+
+using Samples = std::vector<std::string>;
+
+class SampleReaderTest : public testing::Test {
+protected:
+    // Each sample as "number@line [time] value or fault", and the error that ended the reading.
+    Samples samplesOf(const std::string& content, const ColumnChoice& choice = {})
+    {
+        const std::string path = m_directory.write("input", content);
+        LineReader lines(path);
+        SampleReader reader(lines, choice, -10, 99);
+        Samples samples;
+        try {
+            while (const std::optional<Sample> sample = reader.next()) {
+                samples.push_back(std::to_string(sample->number) + "@" + std::to_string(sample->line) + " " +
+                                  (sample->time ? "[" + *sample->time + "] " : "") +
+                                  (sample->fault.empty() ? std::to_string(sample->value) : sample->fault));
+            }
+        } catch (const CommandError& error) {
+            samples.push_back(std::string("error ") + (error.what() + path.size()));
+        }
+        return samples;
+    }
+
+    TemporaryDirectory m_directory;
+};
+
+TEST_F(SampleReaderTest, ReadsOneSampleALine)
+{
+    EXPECT_EQ(samplesOf(""), (Samples{}));
+    EXPECT_EQ(samplesOf("1\n-2\n007"), (Samples{"1@1 1", "2@2 -2", "3@3 7"}));
+    EXPECT_EQ(samplesOf(" 1 \r\n\t2\r\n"), (Samples{"1@1 1", "2@2 2"}));
+    EXPECT_EQ(samplesOf("load\n1\n"), (Samples{"1@2 1"}));
+}
+
+TEST_F(SampleReaderTest, NamesWhatIsNoSample)
+{
+    EXPECT_EQ(samplesOf("-10\n99\n-11\n100\n99999999999999999999\n"),
+              (Samples{"1@1 -10", "2@2 99", "3@3 -11 is out of range, -10 to 99", "4@4 100 is out of range, -10 to 99",
+                       "5@5 99999999999999999999 is out of range, -10 to 99"}));
+    EXPECT_EQ(samplesOf("1\n1.5\n+1\n1a\n-\n0x1\nnan\n"),
+              (Samples{"1@1 1", "2@2 '1.5' is not a whole number", "3@3 '+1' is not a whole number",
+                       "4@4 '1a' is not a whole number", "5@5 '-' is not a whole number",
+                       "6@6 '0x1' is not a whole number", "7@7 'nan' is not a whole number"}));
+    EXPECT_EQ(samplesOf("1\n\n  \n\"\"\n2,3\n"),
+              (Samples{"1@1 1", "2@2 the line is empty", "3@3 the line is empty", "4@4 the sample is empty",
+                       "5@5 the number of columns is 2 and in the first row 1"}));
+    EXPECT_EQ(samplesOf("\n1\n"), (Samples{"1@1 the line is empty", "2@2 1"}));
+}
+
+TEST_F(SampleReaderTest, ReadsTheChosenColumns)
+{
+    EXPECT_EQ(samplesOf("t,cpu\n5,1\n6,2\n", {"cpu", "t"}), (Samples{"1@2 [5] 1", "2@3 [6] 2"}));
+    EXPECT_EQ(samplesOf("t,cpu\n5,1\n6,2\n", {"2", "1"}), (Samples{"1@2 [5] 1", "2@3 [6] 2"}));
+    EXPECT_EQ(samplesOf("5,1\n6,2\n", {"2", ""}), (Samples{"1@1 1", "2@2 2"}));
+    EXPECT_EQ(samplesOf("t,cpu\n5\n", {"cpu", "t"}),
+              (Samples{"1@2 the number of columns is 1 and in the first row 2"}));
+}
+
+TEST_F(SampleReaderTest, TakesANameBeforeANumber)
+{
+    EXPECT_EQ(samplesOf("a,\"b\"\n1,2\n", {"b", ""}), (Samples{"1@2 2"}));
+    EXPECT_EQ(samplesOf("_1,%2\n1,2\n", {"%2", ""}), (Samples{"1@2 2"}));
+}
+
+TEST_F(SampleReaderTest, TakesTheFirstRowForAHeaderIfEveryFieldStartsLikeAName)
+{
+    EXPECT_EQ(samplesOf("a,,Z\n1,2,3\n", {"3", ""}), (Samples{"1@2 3"}));
+    EXPECT_EQ(samplesOf("2024-05-01,n/a\nx,3\n", {"2", ""}), (Samples{"1@1 'n/a' is not a whole number", "2@2 3"}));
+    EXPECT_EQ(samplesOf("\"\"\n1\n"), (Samples{"1@1 the sample is empty", "2@2 1"}));
+}
+
+TEST_F(SampleReaderTest, WantsAChoiceThatIsThere)
+{
+    EXPECT_EQ(samplesOf("t,cpu\n5,1\n"),
+              (Samples{"error :1: there are several columns; choose one with --column: 1 't', 2 'cpu'"}));
+    EXPECT_EQ(samplesOf("5,1\n"), (Samples{"error :1: there are several columns; choose one with --column: 1, 2"}));
+    for (const char* const column : {"mem", "0", "3", "-1", "1x", "99999999999999999999"}) {
+        EXPECT_EQ(samplesOf("t,cpu\n5,1\n", {column, ""}), (Samples{std::string("error :1: there is no column '") +
+                                                                    column + "'; the columns are 1 't', 2 'cpu'"}));
+    }
+    EXPECT_EQ(samplesOf("5,1\n", {"1", "time"}),
+              (Samples{"error :1: there is no column 'time'; the columns are 1, 2"}));
+}
+
+TEST_F(SampleReaderTest, ReadsQuotedFieldsOverSeveralLines)
+{
+    EXPECT_EQ(samplesOf("note,n\n\"a \"\"b\"\"\nc,d\",5\n\"\",\" 6\"\n", {"n", "note"}),
+              (Samples{"1@2 [a \"b\"\nc,d] 5", "2@4 [] ' 6' is not a whole number"}));
+}
+
+TEST_F(SampleReaderTest, RefusesBrokenQuotes)
+{
+    EXPECT_EQ(samplesOf("1\n\"2\n3\n"), (Samples{"1@1 1", "error :2: the closing quote is missing"}));
+    EXPECT_EQ(
+        samplesOf("1\n2\"3\n"),
+        (Samples{"1@1 1", "error :2: a quote is misplaced: quote whole fields, and write a quote inside as two"}));
+    EXPECT_EQ(
+        samplesOf("1\n\"2\"3\n"),
+        (Samples{"1@1 1", "error :2: a quote is misplaced: quote whole fields, and write a quote inside as two"}));
+}
+
+TEST_F(SampleReaderTest, RefusesARowWithoutEnd)
+{
+    std::string content = "1\n\"2\n";
+    while (content.size() < 2 * LineReader::MAX_LINE_LENGTH) {
+        content += std::string(1000, 'x') + "\n";
+    }
+    EXPECT_EQ(samplesOf(content),
+              (Samples{"1@1 1", "error :2: the row is longer than 1048576 bytes; is a closing quote missing?"}));
+}
+
+TEST(SampleTime, IsReadFromSecondsAndFromIso8601)
+{
+    EXPECT_EQ(secondsOf("12"), 12.0);
+    EXPECT_EQ(secondsOf("-0.5"), -0.5);
+    EXPECT_EQ(secondsOf("1970-01-01T00:00:01"), 1.0);
+    EXPECT_EQ(secondsOf("1970-01-02 01:02:03.25"), 86400.0 + 3723.25);
+    EXPECT_EQ(secondsOf("2024-05-01T12:30:00Z"), 1714566600.0);
+}
+
+TEST(SampleTime, IsNotReadFromOtherTexts)
+{
+    for (const char* const text : {"", "noon", "12 s", "1970-01-01", "1970-01-01T00:00", "1970-01-01T00:00:01+01:00",
+                                   "1970-13-01T00:00:01", "1e3", "inf"}) {
+        EXPECT_EQ(secondsOf(text), std::nullopt) << text;
+    }
+}
+
+}  // namespace
