@@ -1,7 +1,8 @@
 // The command 'brantel'. Each group of subcommands adds itself in one line below.
 
+#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
+#include <cstdio>
 #include <exception>
 #include <iostream>
 
@@ -29,16 +30,6 @@ Examples:
   brantel db check
   brantel ports --backplane 3)";
 
-ExitCode runInvocation(const Invocation& invocation)
-{
-    try {
-        return invocation.run();
-    } catch (const std::exception& error) {
-        std::cerr << "brantel: " << error.what() << '\n';
-        return EXIT_UNUSABLE;
-    }
-}
-
 // Prints the help, the version or what is wrong with the arguments.
 ExitCode answerCommandLine(const CLI::App& app, const CLI::ParseError& answer)
 {
@@ -52,14 +43,12 @@ ExitCode answerCommandLine(const CLI::App& app, const CLI::ParseError& answer)
     return EXIT_FINE;
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+ExitCode runCommand(int argc, char** argv)
 {
     std::int32_t traceLevel = ERRORS_ONLY;
     bool logsToStandardError = false;
     Invocation invocation;
-    invocation.arguments.assign(argv + 1, argv + argc);
+    invocation.arguments.assign(argv + std::min(argc, 1), argv + argc);
 
     CLI::App app{"Tools for the services of the brantel library", "brantel"};
     app.footer(EXAMPLES);
@@ -77,10 +66,21 @@ int main(int argc, char** argv)
         return answerCommandLine(app, answer);
     }
 
-    TraceObject trace(traceLevel);
+    static TraceObject trace(traceLevel);  // lives as long as anything may log
     g_traceObject = &trace;
     openlog("brantel", LOG_PID | (logsToStandardError ? LOG_PERROR : 0), LOG_USER);
-    const ExitCode exitCode = runInvocation(invocation);
-    g_traceObject = nullptr;
-    return exitCode;
+    return invocation.run();
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return runCommand(argc, argv);
+    } catch (const std::exception& error) {
+        static_cast<void>(std::fflush(stdout));  // in the order in which it happened
+        static_cast<void>(std::fprintf(stderr, "brantel: %s\n", error.what()));
+        return EXIT_UNUSABLE;
+    }
 }

@@ -18,7 +18,7 @@ namespace {
 
 }  // namespace
 
-LineReader::LineReader(const std::string& path) : m_file(STDIN_FILENO), m_name((path == "-") ? "standard input" : path)
+LineReader::LineReader(const std::string& path) : m_name((path == "-") ? "standard input" : path)
 {
     if (path != "-") {
         m_file = open(path.c_str(), O_RDONLY | O_CLOEXEC);

@@ -32,7 +32,7 @@ private:
     bool fill();
     std::string takeLine(std::size_t length);
 
-    int m_file;
+    int m_file = 0;  ///< standard input, unless a file is opened
     std::string m_name;
     std::string m_buffer;
     std::size_t m_begin = 0;  ///< of what is still to be taken from the buffer

@@ -254,9 +254,12 @@ protected:
     void expectRefused(const char* text, bool isOr, const std::string& error)
     {
         SCOPED_TRACE(text);
-        EXPECT_EQ(parsedJoined(text, false, isOr), "false NO_EXPRESSION");
-        EXPECT_FALSE(parseExpressionWithAndOrOr(text, false, isOr, nullptr));
-        EXPECT_EQ(m_diagnostics.take(), (Diagnostics{error, error}));
+        for (const std::int32_t level : {2, 3}) {
+            m_diagnostics.setTraceLevel(level);
+            EXPECT_EQ(parsedJoined(text, false, isOr), "false NO_EXPRESSION");
+            EXPECT_FALSE(parseExpressionWithAndOrOr(text, false, isOr, nullptr));
+            EXPECT_EQ(m_diagnostics.take(), writtenAt(level, {error, error}));
+        }
     }
 };
 

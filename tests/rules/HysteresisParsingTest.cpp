@@ -291,6 +291,22 @@ TEST_F(ParseSingleHysterisAux, ComparesAsItsInstance)
               "(MemoryField and (ParamField > int 1)), (MemoryField or (ParamField > int -1))");
 }
 
+TEST_F(ParseSingleHysterisAux, LogsAsTheFlagSaysWhateverItsInstance)
+{
+    const auto parseAs = [](auto zero, bool isUnsigned) {
+        RuleObject rule;
+        return parseSingleHysterisExpressionAux<decltype(zero)>(zero, zero, isUnsigned, {"7", "9"}, true, &rule);
+    };
+    const Diagnostics asUnsigned = {lines.debug("parseSingleHysterisExpressionAux", "highestValue=%u", 9u),
+                                    lines.debug("parseSingleHysterisExpressionAux", "lowestValue=%u", 7u)};
+    const Diagnostics asSigned = {lines.debug("parseSingleHysterisExpressionAux", "highestValue=%d", 9),
+                                  lines.debug("parseSingleHysterisExpressionAux", "lowestValue=%d", 7)};
+    expectAtEveryTraceLevel([&] { return parseAs(0, true); }, true, asUnsigned);
+    expectAtEveryTraceLevel([&] { return parseAs(0u, true); }, true, asUnsigned);
+    expectAtEveryTraceLevel([&] { return parseAs(0, false); }, true, asSigned);
+    expectAtEveryTraceLevel([&] { return parseAs(0u, false); }, true, asSigned);
+}
+
 TEST_F(ParseSingleHysterisAux, OnlyChecksWithoutARuleObject)
 {
     expectAtEveryTraceLevel(

@@ -131,6 +131,14 @@ TEST_F(HandleNumericValue, StoresTheNumberInItsOwnTypeAndLogsIt)
                             {lines.debug("handleNumericValue", "numericValue=%u", 4294967295u)});
 }
 
+TEST_F(HandleNumericValue, LogsAsTheFlagSaysWhateverItsInstance)
+{
+    expectAtEveryTraceLevel([] { return handled<int>("7", true, false); }, "true int 7",
+                            {lines.debug("handleNumericValue", "numericValue=%u", 7u)});
+    expectAtEveryTraceLevel([] { return handled<unsigned int>("-7", false, true); }, "true unsigned 4294967289",
+                            {lines.debug("handleNumericValue", "numericValue=%d", -7)});
+}
+
 TEST_F(HandleNumericValue, OnlyChecksWithoutAnOperand)
 {
     expectAtEveryTraceLevel([] { return handleNumericValue<int>("e", "-7", 0, false, false, nullptr); }, true, {});

@@ -24,7 +24,7 @@
 
 class BRANTEL_EXPORT INpuDataPortsConfiguration {
 public:
-    virtual ~INpuDataPortsConfiguration() {}
+    virtual ~INpuDataPortsConfiguration();
 
     /// How many data ports the NPU has; they are numbered from 1.
     virtual std::uint32_t getNrOfNpuDataPorts() const = 0;
@@ -60,7 +60,7 @@ public:
     static constexpr std::uint32_t DCN_VLAN_NUMBER_MAX = 4059;
     static constexpr std::uint32_t DCN_MPLS_LABEL_VALUE = 1000;
 
-    ~DefaultKatanaDataPortsConfig() override {}
+    ~DefaultKatanaDataPortsConfig() override;
 
     std::uint32_t getNrOfNpuDataPorts() const override;
     bool checkNpuPort(std::uint32_t port) const override;

@@ -72,14 +72,13 @@ template <typename T>
     boost::any filledFirst(first);
     boost::any filledSecond(second);
     if (!fillInValue(filledFirst, sample, typeid(ParamField)) ||
-        !fillInValue(filledSecond, sample, typeid(ParamField)) ||
-        !fillInValue(filledFirst, static_cast<T>(previousState), typeid(MemoryField))) {
+        !fillInValue(filledSecond, sample, typeid(ParamField))) {
         return false;
     }
+    // What has been filled in once holds known types alone: from here on filling in does not fail.
+    fillInValue(filledFirst, static_cast<T>(previousState), typeid(MemoryField));
     const T intermediateResult = check<T>(filledFirst);
-    if (!fillInValue(filledSecond, intermediateResult, typeid(MemoryField))) {
-        return false;
-    }
+    fillInValue(filledSecond, intermediateResult, typeid(MemoryField));
     result = (check<T>(filledSecond) != 0);
     return true;
 }

@@ -112,10 +112,12 @@ bool parseRule(const std::string& rule, RuleObject* pRuleObject)
         }
 
         const std::vector<std::string> parts = splitAtEvery(normalised, ";");
+        // GCOVR_EXCL_START: a split yields at least one part, if an empty one.
         if (parts.empty()) {
             LOG_ERROR("Failed to split rule = '%s' in parts", rule.c_str());
             return false;
         }
+        // GCOVR_EXCL_STOP
         for (std::size_t i = 0; i < parts.size(); ++i) {
             const std::string& part = parts[i];
             LOG_DEBUG3("part %d = '%s'", static_cast<int>(i), part.c_str());
@@ -155,10 +157,12 @@ bool parseExpression(const std::string& part, RuleObject* pRuleObject)
         return false;
     }
     const Position posFirstLeftRoundBracket = part.find('(', posWord);
+    // GCOVR_EXCL_START: the word that was found ends in a "(".
     if (posFirstLeftRoundBracket == N_POS) {
         LOG_ERROR("Failed to find '(' character after '(un)signed' word in expression = '%s'", part.c_str());
         return false;
     }
+    // GCOVR_EXCL_STOP
     const Position posLastRightRoundBracket = part.rfind(')');
     if (posLastRightRoundBracket == N_POS) {
         LOG_ERROR("Failed to find ')' character in expression = '%s'", part.c_str());
@@ -300,7 +304,9 @@ bool parseHysteresisExpression(const std::string& expr, bool isUnsigned, RuleObj
         pRuleObject->m_expressionType = DOUBLE_HYSTERESIS;
         ASSERT_OR_REPORT_AS(pRuleObject->m_expressions.size() == 4, functionText);
     } else {
+        // GCOVR_EXCL_START: refused above where neither was found.
         ASSERT_OR_REPORT_AS((posHysHigh != N_POS) || (posHysLow != N_POS), functionText);
+        // GCOVR_EXCL_STOP
         pRuleObject->m_expressionType = SINGLE_HYSTERESIS;
         ASSERT_OR_REPORT_AS(pRuleObject->m_expressions.size() == 2, functionText);
     }
@@ -315,12 +321,13 @@ bool parseSingleHysterisExpression(const std::string& expr, bool isUnsigned, uns
         LOG_ERROR("Failed to find left round bracket in expression '%s'", expr.c_str());
         return false;
     }
-    // The bracket's own position is tested and not the one after it, so this never holds; the missing ")" is reported
-    // below instead.
+    // GCOVR_EXCL_START: the bracket's own position is tested and not the one after it, so this never holds; the missing
+    // ")" is reported below instead.
     if (posLeftBracket >= expr.length()) {
         LOG_ERROR("No characters anymore after left round bracket in expression '%s'", expr.c_str());
         return false;
     }
+    // GCOVR_EXCL_STOP
     const Position posRightBracket = expr.find(')', posLeftBracket);
     if (posRightBracket == N_POS) {
         LOG_ERROR("Failed to find right round bracket in expression '%s'", expr.c_str());

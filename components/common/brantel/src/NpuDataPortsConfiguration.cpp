@@ -24,6 +24,10 @@ constexpr std::uint32_t FIRST_PORT = 1;
 
 }  // namespace
 
+INpuDataPortsConfiguration::~INpuDataPortsConfiguration() = default;
+
+DefaultKatanaDataPortsConfig::~DefaultKatanaDataPortsConfig() = default;
+
 std::uint32_t DefaultKatanaDataPortsConfig::getNrOfNpuDataPorts() const
 {
     return N_KATANA_DATA_PORTS;

@@ -10,6 +10,7 @@
 // type is the likely one, and all functions become part of their caller, where each such call has a place of its own
 // and leads, rule after rule, to the same type.
 
+#include <type_traits>
 #include <typeinfo>
 
 #include <boost/any.hpp>
@@ -47,13 +48,15 @@ BOOST_FORCEINLINE bool isType(const std::type_info& heldType)
 template <typename T>
 BOOST_FORCEINLINE bool readNumber(const boost::any& operand, T& number)
 {
+    // The type that a rule of T holds, first; the thresholds of a hysteresis are int in every rule.
+    using Other = std::conditional_t<std::is_signed_v<T>, unsigned int, int>;
     const std::type_info& heldType = operand.type();
-    if (isType<int>(heldType)) {
-        number = static_cast<T>(*boost::unsafe_any_cast<int>(&operand));
+    if (isType<T>(heldType)) {
+        number = *boost::unsafe_any_cast<T>(&operand);
         return true;
     }
-    if (isType<unsigned int>(heldType)) {
-        number = static_cast<T>(*boost::unsafe_any_cast<unsigned int>(&operand));
+    if (isType<Other>(heldType)) {
+        number = static_cast<T>(*boost::unsafe_any_cast<Other>(&operand));
         return true;
     }
     return false;

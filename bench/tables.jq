@@ -1,0 +1,47 @@
+# The tables of docs/performance.md from the benchmark's JSON. Times are medians, in nanoseconds.
+
+def times($series):
+    [.benchmarks | sort_by(.family_index)[]
+     | select(.aggregate_name == "median")
+     | (.run_name | split("/")) as [$name, $rule, $byWhom]
+     | select($name == $series)
+     | {rule: $rule, byWhom: $byWhom, ns: (1e9 / .items_per_second)}]
+    | reduce .[] as $time ([];
+        (map(.rule) | index($time.rule)) as $at
+        | if $at == null then . + [{rule: $time.rule, ns: {($time.byWhom): $time.ns}}]
+          else .[$at].ns[$time.byWhom] = $time.ns end);
+
+def decimals($count): pow(10; $count) as $unit
+    | (. * $unit | round | tostring) as $digits
+    | if $count == 0 then $digits
+      else (("0" * ([0, $count + 1 - ($digits | length)] | max)) // "") + $digits | .[:-$count] + "." + .[-$count:] end;
+
+# The finer the smaller, so that a ratio around 1 can be told from 1.
+def short: decimals(if . < 2 then 2 elif . < 9.95 then 1 else 0 end);
+
+def row: "| " + join(" | ") + " |";
+
+def evaluationTable($series):
+    (["rule", "library, ns", "library : hand-written", "library : library untraced", "substitution : library",
+      "muparser : library", "Lua 5.4 : library", "LuaJIT : library"] | row),
+    "|---|--:|--:|--:|--:|--:|--:|--:|",
+    (times($series)[]
+     | .ns as $ns
+     | [.rule, ($ns.library | short)]
+       + ([$ns.library / $ns."hand-written", $ns.library / $ns.untraced, $ns.substitution / $ns.library,
+           $ns.muparser / $ns.library, $ns.lua54 / $ns.library, $ns.luajit / $ns.library] | map(short))
+     | row);
+
+def parsingTable:
+    (["rule", "library, ns", "muparser : library", "Lua 5.4 : library", "LuaJIT : library"] | row),
+    "|---|--:|--:|--:|--:|",
+    (times("parse")[]
+     | .ns as $ns
+     | [.rule, ($ns.library | short)]
+       + ([$ns.muparser / $ns.library, $ns.lua54 / $ns.library, $ns.luajit / $ns.library] | map(short))
+     | row);
+
+"Measured on \($machine), built by \($compiler).",
+"", "### Evaluation, samples whose verdict changes", "", evaluationTable("changing"),
+"", "### Evaluation, samples whose verdict stays", "", evaluationTable("steady"),
+"", "### Parsing", "", parsingTable
