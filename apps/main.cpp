@@ -11,6 +11,8 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/CardCommands.h"
+#include "commands/DbCommands.h"
+#include "commands/PortsCommands.h"
 #include "commands/RuleCommands.h"
 #include "common/CommandLine.h"
 #include "trace/TraceObject.h"
@@ -27,7 +29,9 @@ Examples:
   brantel -v 9 --log-stderr rule check 'expr=signed(value>100)'
   brantel rule eval --help
   brantel card --slot 3 &
-  brantel get 3 card.name cpu.busy)";
+  brantel get 3 card.name cpu.busy
+  brantel db check
+  brantel ports --backplane 3)";
 
 // Prints the help, the version or what is wrong with the arguments.
 ExitCode answerCommandLine(const CLI::App& app, const CLI::ParseError& answer)
@@ -58,6 +62,8 @@ ExitCode runCommand(int argc, char** argv)
     app.add_flag("--log-stderr", logsToStandardError, "Copy diagnostics to standard error");
     addRuleCommands(app, invocation);
     addCardCommands(app, invocation);
+    addDbCommands(app, invocation);
+    addPortsCommands(app, invocation);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& answer) {

@@ -1,5 +1,5 @@
-// docs/command.md shows what the command really prints: every console block is run, "$ " lines as commands in one
-// shell directory, and what follows them is their output, standard error included.
+// The documents show what the command really prints: every console block is run, "$ " lines as commands in one shell
+// directory for each document, and what follows them is their output, standard error included.
 
 #include <cstdlib>
 #include <fstream>
@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "apps/CommandRun.h"
-#include "apps/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 namespace {
 
@@ -16,9 +16,9 @@ struct DocumentedRun {
     std::string output;
 };
 
-std::vector<DocumentedRun> documentedRuns()
+std::vector<DocumentedRun> documentedRuns(const std::string& name)
 {
-    std::ifstream document(DOCS_DIR "/command.md");
+    std::ifstream document(DOCS_DIR "/" + name);
     std::vector<DocumentedRun> runs;
     bool isInBlock = false;
     for (std::string line; std::getline(document, line);) {
@@ -33,20 +33,36 @@ std::vector<DocumentedRun> documentedRuns()
     return runs;
 }
 
-TEST(CommandDocument, ShowsWhatTheCommandPrints)
+struct Document {
+    const char* name;
+    std::size_t nRunsAtLeast;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Document& document)
+{
+    return stream << document.name;
+}
+
+class CommandDocument : public testing::TestWithParam<Document> {};
+
+TEST_P(CommandDocument, ShowsWhatTheCommandPrints)
 {
     const TemporaryDirectory directory;
     const std::string command = BRANTEL_COMMAND;
     const char* const searchPath = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe): there is one thread
     const std::string path = "PATH=" + command.substr(0, command.rfind('/')) + ":" + searchPath;
-    const std::vector<DocumentedRun> runs = documentedRuns();
+    const std::vector<DocumentedRun> runs = documentedRuns(GetParam().name);
 
-    EXPECT_GE(runs.size(), 8U);
+    EXPECT_GE(runs.size(), GetParam().nRunsAtLeast);
     for (const DocumentedRun& run : runs) {
-        const CommandResult result =
-            runProgram("/bin/sh", {"-c", "exec 2>&1; " + run.command}, {"", "", directory.path(), {path}});
+        const CommandResult result = runProgram("/bin/sh", {"-c", "exec 2>&1; " + run.command},
+                                                {"", "", directory.path(), {path, "BRANTEL_DB="}});
         EXPECT_EQ(result.out, run.output) << run.command;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Every, CommandDocument,
+                         testing::Values(Document{"command.md", 8}, Document{"tables.md", 20},
+                                         Document{"ports.md", 1}));
 
 }  // namespace

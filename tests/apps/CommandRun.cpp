@@ -9,7 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "apps/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 namespace {
 

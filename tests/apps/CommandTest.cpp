@@ -21,7 +21,8 @@ TEST(Command, TellsItsVersion)
 TEST(Command, HelpsWithExamplesOnEachLevel)
 {
     for (const Arguments& level :
-         {Arguments{}, Arguments{"rule"}, Arguments{"rule", "check"}, Arguments{"rule", "eval"}}) {
+         {Arguments{}, Arguments{"rule"}, Arguments{"rule", "check"}, Arguments{"rule", "eval"}, Arguments{"db"},
+          Arguments{"db", "import"}, Arguments{"ports"}, Arguments{"backplane"}}) {
         Arguments arguments = level;
         arguments.emplace_back("--help");
         const CommandResult result = brantel(arguments);

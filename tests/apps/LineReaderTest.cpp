@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "apps/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "common/CommandLine.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "apps/CommandRun.h"
-#include "apps/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 namespace {
 

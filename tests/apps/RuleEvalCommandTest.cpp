@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "apps/CommandRun.h"
-#include "apps/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 namespace {
 

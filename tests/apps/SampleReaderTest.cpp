@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "apps/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "common/CommandLine.h"
 #include "samples/SampleTime.h"
 

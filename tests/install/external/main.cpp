@@ -1,7 +1,8 @@
-// Decides a rule on the foreign platform: succeeds if the decision is right and the platform was asked for its level
-// and told of a broken invariant.
+// Decides a rule and takes a table's definition on the foreign platform: succeeds if both are right and the platform was
+// asked for its level and told of a broken invariant.
 
 #include "EventMgmtRulesParsing.h"
+#include "EvmDatabase.h"
 #include "foreign_platform.h"
 
 int main()
@@ -15,6 +16,9 @@ int main()
                           !vemorRules::checkSingleHysteresisRule(rule, 10u, true);
     const bool isReported =
         (vemorRules::check<int>(vemorRules::ParamField()) == 0) && (foreignPlatform::assertionReports == 1);
+    const std::vector<sql::Field> columns = eventMgmt::EvmDatabase::getComponentConfigTableDefinition();
+    const bool isDefined = (columns.size() == 3) && (columns[1].m_text == "EnableEvents") &&
+                           (columns[1].m_type == sql::field_type::BOOLEAN) && columns[2].m_text.empty();
     g_traceObject = nullptr;
-    return (isRaised && isReported && (foreignPlatform::levelQuestions > 0)) ? 0 : 1;
+    return (isRaised && isReported && isDefined && (foreignPlatform::levelQuestions > 0)) ? 0 : 1;
 }

@@ -89,4 +89,8 @@ inline bool holdsOrIsReported(bool holds, const char* condition, const char* fil
 #define ASSERT_OR_REPORT_AS(condition, functionText) \
     brantelLog::holdsOrIsReported((condition), #condition, __FILE__, __LINE__, functionText)
 
+// For a report whose line is prescribed too.
+#define ASSERT_OR_REPORT_AT(condition, line, functionText) \
+    brantelLog::holdsOrIsReported((condition), #condition, __FILE__, line, functionText)
+
 #endif

@@ -1,4 +1,4 @@
-#include "apps/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,0 +1,36 @@
+#ifndef APPS_COMMON_TEXT_TABLE_H
+#define APPS_COMMON_TEXT_TABLE_H
+
+// Rows of texts for a terminal, in columns as wide as what is in them.
+
+#include <string>
+#include <vector>
+
+#include "common/ResultOutput.h"
+
+enum class Alignment { LEFT, RIGHT };
+
+struct TextColumn {
+    std::string title;
+    Alignment alignment;
+};
+
+class TextTable {
+public:
+    explicit TextTable(const std::vector<TextColumn>& columns);
+
+    /// One text for each column; control characters are shown as by printable().
+    void addRow(const std::vector<std::string>& texts);
+
+    /// Writes the titles and the rows.
+    void write(ResultOutput& output) const;
+
+private:
+    std::string lineOf(const std::vector<std::string>& texts) const;
+
+    std::vector<TextColumn> m_columns;
+    std::vector<std::size_t> m_widths;
+    std::vector<std::vector<std::string>> m_rows;
+};
+
+#endif

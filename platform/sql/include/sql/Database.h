@@ -1,0 +1,177 @@
+#ifndef SQL_DATABASE_H
+#define SQL_DATABASE_H
+
+// Tables in a database file, made from their definitions (sql/Field.h).
+//
+//     sql::Database::create(path, identity, tables);                     once; on a database that is there, a check
+//
+//     sql::Database database(path, identity, sql::Database::Access::WRITE);
+//     sql::Table cards(database, "IfcCardsConfigTable", definition);
+//     sql::Transaction transaction(database);
+//     cards.insert({3, 17, 1});
+//     cards.update({{"EnableEvents", 0}}, {{"Slot", 2}});
+//     transaction.commit();                                              without it the transaction is undone
+//
+// The file is an SQLite database in WAL mode: others read the last committed state while one writes. Values reach it as
+// bound parameters only. Names of tables and columns may be any text.
+//
+// Whatever fails throws sql::Error, whose text names the file and says what is wrong; the file then holds what was
+// committed last. A Database and its tables and transactions belong to one thread at a time; every thread and every
+// process may have its own.
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "sql/Field.h"
+
+#define SQL_EXPORT __attribute__((visibility("default")))
+
+namespace sql {
+
+/// Why an operation failed.
+enum class Problem {
+    NOT_FOUND,   ///< there is no such file
+    FOREIGN,     ///< not a database, or one of another program
+    NEWER,       ///< written by a newer version of the program
+    DIFFERENT,   ///< a table is missing or not as defined
+    READ_ONLY,   ///< the file or its folder may not be written
+    FULL,        ///< no space left
+    LOCKED,      ///< another program held the database for longer than this one waits
+    CORRUPT,     ///< the file is damaged
+    CONSTRAINT,  ///< a row does not fit its table: a key that is there already, a value of the wrong type
+    OTHER
+};
+
+class SQL_EXPORT Error : public std::runtime_error {
+public:
+    Error(Problem problem, const std::string& text) : std::runtime_error(text), m_problem(problem) {}
+
+    Problem problem() const { return m_problem; }
+
+private:
+    Problem m_problem;
+};
+
+/// By which a program knows its databases.
+struct Identity {
+    std::int32_t applicationId;
+    std::int32_t schemaVersion;  ///< from 1
+};
+
+using Definition = std::vector<Field>;
+
+struct TableDefinition {
+    std::string name;
+    Definition definition;
+};
+
+/// Nothing (null), a number or a text; a BOOLEAN column holds the numbers 0 and 1.
+using Value = std::variant<std::monostate, std::int64_t, std::string>;
+
+/// Values in column order.
+using Row = std::vector<Value>;
+
+struct ColumnValue {
+    std::string column;
+    Value value;
+};
+using ColumnValues = std::vector<ColumnValue>;
+
+class SQL_EXPORT Database {
+public:
+    enum class Access { READ, WRITE };
+
+    /// Opens an existing database, whose identity must be this one. Creates nothing.
+    Database(const std::string& path, const Identity& identity, Access access);
+
+    /// Opens a database for writing, after creating it with these tables if the file is missing or an empty database.
+    /// An existing one must have the identity and its tables must be as defined.
+    static Database create(const std::string& path, const Identity& identity,
+                           const std::vector<TableDefinition>& tables);
+
+    ~Database();
+    Database(Database&& other) noexcept;
+    Database& operator=(Database&& other) noexcept;
+
+    const std::string& path() const;
+
+    /// How a table differs from its definition, as a sentence that names the column; no value if it does not.
+    std::optional<std::string> differenceFrom(const TableDefinition& table) const;
+
+    /// What is damaged in the file, as sentences; none if nothing is. Reads the whole file.
+    std::vector<std::string> findDamage() const;
+
+private:
+    friend class Table;
+    friend class Transaction;
+    struct Connection;
+
+    explicit Database(std::unique_ptr<Connection> pConnection);
+
+    std::unique_ptr<Connection> m_pConnection;
+};
+
+/// While one lives, no other program writes. Undone unless committed. On a database opened for reading it keeps nobody
+/// from writing: all that is read during it is of one state. A database has at most one at a time.
+class SQL_EXPORT Transaction {
+public:
+    explicit Transaction(Database& database);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    /// Makes the changes permanent, all of them; on failure none.
+    void commit();
+
+private:
+    struct State;
+    std::unique_ptr<State> m_pState;
+};
+
+/// One table of a database, by its definition up to the first empty field. The database must outlive it.
+class SQL_EXPORT Table {
+public:
+    Table(Database& database, const std::string& name, const Definition& definition);
+    ~Table();
+    Table(Table&& other) noexcept;
+    Table& operator=(Table&& other) noexcept;
+
+    const std::string& name() const;
+
+    /// The columns, without the empty field.
+    const std::vector<Field>& columns() const;
+
+    void insert(const Row& row);
+
+    /// Sets `changes` in the rows that match all of `where`, in all rows if it is empty. Returns how many those are.
+    std::int64_t update(const ColumnValues& changes, const ColumnValues& where);
+
+    /// Deletes the rows that match all of `where`, all rows if it is empty. Returns how many those are.
+    std::int64_t remove(const ColumnValues& where);
+
+    /// The rows that match all of `where`, all rows if it is empty, in the order of the key.
+    std::vector<Row> select(const ColumnValues& where) const;
+
+    /// Calls `visit` with each of those rows, one at a time.
+    void forEach(const ColumnValues& where, const std::function<void(const Row&)>& visit) const;
+
+    /// The number of rows that match all of `where`.
+    std::int64_t count(const ColumnValues& where) const;
+
+    /// The largest number in the first column, 0 in an empty table.
+    std::int64_t largestKey() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_pState;
+};
+
+}  // namespace sql
+
+#endif
