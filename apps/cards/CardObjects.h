@@ -4,6 +4,7 @@
 // What a card is made of: its objects by OID, each able to tell its value and, if it is writable, to check and take
 // one. The functions below add the objects of one source each.
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -22,6 +23,9 @@ enum CardResult : int {
     RESULT_TOO_LONG = 11,
     RESULT_CANNOT_EXEC = 12
 };
+
+/// The longest string of an object, in bytes: two of them fit into an answer.
+constexpr std::size_t MAX_TEXT_LENGTH = 1000;
 
 struct CardObject {
     OidValueType type;

@@ -78,11 +78,16 @@ private:
 
     void addRow(CsvRow row)
     {
+        const std::string place = m_replay.file + ":" + std::to_string(row.line);
+        for (const std::string& field : row.fields) {
+            if (field.size() > MAX_TEXT_LENGTH) {
+                throw CommandError(place + ": a field is longer than " + std::to_string(MAX_TEXT_LENGTH) + " bytes");
+            }
+        }
         if (m_header.empty()) {
-            takeHeader(std::move(row.fields));
+            takeHeader(std::move(row.fields), place);
             return;
         }
-        const std::string place = m_replay.file + ":" + std::to_string(row.line);
         if (row.fields.size() != m_header.size()) {
             throw CommandError(place + ": " + std::to_string(row.fields.size()) + " fields, but the header has " +
                                std::to_string(m_header.size()));
@@ -97,7 +102,7 @@ private:
         m_rows.push_back({seconds, std::move(row.fields)});
     }
 
-    void takeHeader(std::vector<std::string> fields)
+    void takeHeader(std::vector<std::string> fields, const std::string& place)
     {
         m_header = std::move(fields);
         const std::string wanted = m_replay.timeColumn.empty() ? "time" : m_replay.timeColumn;
@@ -105,10 +110,12 @@ private:
         if (column != m_header.end()) {
             m_timeColumn = static_cast<std::size_t>(column - m_header.begin());
         } else if (!m_replay.timeColumn.empty()) {
-            throw CommandError(m_replay.file + ": no column '" + m_replay.timeColumn + "'");
+            throw CommandError(place + ": no column '" + m_replay.timeColumn + "'");
         }
-        if (valueColumns().size() > oids::MAX_SIGNALS) {
-            throw CommandError(m_replay.file + ": more than " + std::to_string(oids::MAX_SIGNALS) + " columns");
+        const std::size_t nColumns = valueColumns().size();
+        if ((nColumns == 0) || (nColumns > oids::MAX_SIGNALS)) {
+            throw CommandError(place + ": " + std::to_string(nColumns) + " columns of values, not 1 to " +
+                               std::to_string(oids::MAX_SIGNALS));
         }
     }
 

@@ -16,6 +16,10 @@ namespace {
 
 enum class Shape { Constant, Sine, Square, Triangle, Sawtooth, Noise };
 
+constexpr std::size_t MAX_NAME_LENGTH = 64;
+constexpr double SHORTEST_PERIOD = 0.001;
+constexpr double LONGEST_PERIOD = 1e6;
+
 struct Signal {
     std::string name;
     OidValueType type = OID_TYPE_INT32;
@@ -53,6 +57,12 @@ Limits limitsOf(OidValueType type)
         case OID_TYPE_INT8: return limitsOf<std::int8_t>();
         default: return {0, 1};
     }
+}
+
+// False for what is no number, too.
+bool isWithin(double value, double lowest, double highest)
+{
+    return (value >= lowest) && (value <= highest);
 }
 
 bool isNumeric(OidValueType type)
@@ -100,8 +110,10 @@ public:
                 result.push_back(signalOf(node));
             }
             return result;
+        } catch (const YAML::BadFile&) {
+            throw CommandError("cannot read " + m_file);
         } catch (const YAML::Exception& error) {
-            throw CommandError(m_file + ": " + error.what());
+            throw CommandError(m_file + placeOf(error.mark) + ": " + error.msg);
         }
     }
 
@@ -117,10 +129,15 @@ private:
             signal.high = signal.low;
         }
         const bool isInRange =
-            (signal.low >= limits.lowest) && (signal.high >= signal.low) && (signal.high <= limits.highest);
-        if (signal.name.empty() || !isInRange || !(signal.period > 0) || !std::isfinite(signal.period) ||
-            !std::isfinite(signal.phase)) {
-            throwAt(node, "a signal needs a name, low and high in order and within its type, and a period above 0");
+            isWithin(signal.low, limits.lowest, limits.highest) && isWithin(signal.high, signal.low, limits.highest);
+        if (signal.name.empty() || (signal.name.size() > MAX_NAME_LENGTH)) {
+            throwAt(node, "a signal needs a name of 1 to " + std::to_string(MAX_NAME_LENGTH) + " characters");
+        }
+        if (!isInRange) {
+            throwAt(node, "low and high are not in order, or not within the type");
+        }
+        if (!isWithin(signal.period, SHORTEST_PERIOD, LONGEST_PERIOD) || !isWithin(signal.phase, 0, 1)) {
+            throwAt(node, "the period is not from 0.001 to 1000000 seconds, or the phase not from 0 to 1");
         }
         return signal;
     }
@@ -174,7 +191,12 @@ private:
 
     [[noreturn]] void throwAt(const YAML::Node& node, const std::string& what) const
     {
-        throw CommandError(m_file + ":" + std::to_string(node.Mark().line + 1) + ": " + what);
+        throw CommandError(m_file + placeOf(node.Mark()) + ": " + what);
+    }
+
+    static std::string placeOf(const YAML::Mark& mark)
+    {
+        return mark.is_null() ? "" : ":" + std::to_string(mark.line + 1) + ":" + std::to_string(mark.column + 1);
     }
 
     std::string m_file;

@@ -83,6 +83,14 @@ void addJson(CLI::App& command, bool& isJson)
     command.add_flag("--json", isJson, "One JSON object a line");
 }
 
+void addTimeout(CLI::App& command, std::int32_t& timeout)
+{
+    command.add_option("--timeout", timeout, "Seconds that the card may take for each request")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1, LONGEST_TIMEOUT))
+        ->capture_default_str();
+}
+
 ExitCode createKeys(const std::string& file)
 {
     ResultOutput output;
@@ -155,6 +163,7 @@ void addGet(CLI::App& app, Invocation& invocation)
     get->footer(GET_EXAMPLES);
     addSlot(*get, options->slot);
     get->add_option("oids", options->oids, "Objects to read")->required()->type_name("OID");
+    addTimeout(*get, options->timeout);
     addJson(*get, options->isJson);
     get->callback([options, &invocation] { invocation.run = [options] { return getObjects(*options); }; });
 }
@@ -166,10 +175,7 @@ void addSet(CLI::App& app, Invocation& invocation)
     set->footer(SET_EXAMPLES);
     addSlot(*set, options->slot);
     set->add_option("values", options->assignments, "Values to write")->required()->type_name("OID=TYPE:VALUE");
-    set->add_option("--timeout", options->timeout, "Seconds that the card may take")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(1, LONGEST_TIMEOUT))
-        ->capture_default_str();
+    addTimeout(*set, options->timeout);
     addJson(*set, options->isJson);
     set->callback([options, &invocation] { invocation.run = [options] { return setObjects(*options); }; });
 }
