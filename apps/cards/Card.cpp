@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -67,6 +68,11 @@ void addConstant(CardObjects& objects, std::uint32_t oid, OidValueType type, con
     objects[oid] = {type, [value] { return value; }, nullptr, nullptr};
 }
 
+double steadySeconds()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
 Card::Card(std::uint32_t slot, const std::string& source, CardObjects sourceObjects)
     : m_slot(slot), m_objects(std::move(sourceObjects))
 {
@@ -80,13 +86,8 @@ void Card::addOwnObjects(std::uint32_t slot, const std::string& source)
     addConstant(m_objects, CARD_SLOT, OID_TYPE_UINT8, static_cast<unsigned char>(slot));
     addConstant(m_objects, CARD_SOURCE, OID_TYPE_STRING, source.substr(0, MAX_TEXT_LENGTH));
     addConstant(m_objects, CARD_MAC, OID_TYPE_MAC_ADDRESS, LOCALLY_ADMINISTERED + slot);
-    m_objects[CARD_UPTIME] = {
-        OID_TYPE_UINT32,
-        [this] {
-            const auto uptime = std::chrono::steady_clock::now() - m_start;
-            return static_cast<unsigned int>(std::chrono::duration_cast<std::chrono::seconds>(uptime).count());
-        },
-        nullptr, nullptr};
+    m_objects[CARD_UPTIME] = {OID_TYPE_UINT32, [this] { return static_cast<unsigned int>(steadySeconds() - m_start); },
+                              nullptr, nullptr};
     m_objects[CARD_READS] = {OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_reads); }, nullptr,
                              nullptr};
     m_objects[CARD_WRITES] = {OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_writes); }, nullptr,

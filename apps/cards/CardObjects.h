@@ -39,6 +39,12 @@ using CardObjects = std::map<std::uint32_t, CardObject>;
 /// An object that does not change.
 void addConstant(CardObjects& objects, std::uint32_t oid, OidValueType type, const boost::any& value);
 
+/// Seconds since some moment, for values that change with time.
+using SecondsClock = std::function<double()>;
+
+/// The clock that only goes forward.
+double steadySeconds();
+
 /// Live counters of this host.
 void addHostObjects(CardObjects& objects);
 
@@ -50,9 +56,9 @@ struct CsvReplay {
 };
 
 /// The columns of a recording, replayed from now on, again and again. Throws CommandError if it cannot be read.
-void addCsvObjects(CardObjects& objects, const CsvReplay& replay);
+void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsClock& clock = steadySeconds);
 
-/// The signals of a description. Throws CommandError if it cannot be read.
-void addWaveObjects(CardObjects& objects, const std::string& file);
+/// The signals of a description, each at the start of its first period now. Throws CommandError if it cannot be read.
+void addWaveObjects(CardObjects& objects, const std::string& file, const SecondsClock& clock = steadySeconds);
 
 #endif

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -20,7 +19,7 @@ constexpr std::size_t MAX_ROWS = 1'000'000;
 // A recording is kept whole: it is replayed again and again.
 class Recording {
 public:
-    explicit Recording(const CsvReplay& replay) : m_replay(replay)
+    Recording(const CsvReplay& replay, const SecondsClock& clock) : m_replay(replay), m_clock(clock)
     {
         LineReader lines(replay.file);
         CsvReader reader(lines);
@@ -33,6 +32,7 @@ public:
             throw CommandError(replay.file + ": no rows after the header");
         }
         setDuration();
+        m_start = m_clock();
     }
 
     std::vector<std::size_t> valueColumns() const
@@ -63,8 +63,7 @@ public:
     /// The field of the row whose time it is.
     const std::string& fieldNow(std::size_t column) const
     {
-        const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
-        const double position = std::fmod(elapsed * m_replay.speed, m_duration);
+        const double position = std::fmod((m_clock() - m_start) * m_replay.speed, m_duration);
         const auto after = std::upper_bound(m_rows.begin(), m_rows.end(), position,
                                             [](double seconds, const Row& row) { return seconds < row.seconds; });
         return ((after == m_rows.begin()) ? *after : *(after - 1)).fields[column];
@@ -145,19 +144,20 @@ private:
     static constexpr std::size_t NO_COLUMN = static_cast<std::size_t>(-1);
 
     const CsvReplay m_replay;
+    const SecondsClock m_clock;
     std::vector<std::string> m_header;
     std::size_t m_timeColumn = NO_COLUMN;
     double m_firstTime = 0;
     std::vector<Row> m_rows;
     double m_duration = 0;
-    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    double m_start = 0;
 };
 
 }  // namespace
 
-void addCsvObjects(CardObjects& objects, const CsvReplay& replay)
+void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsClock& clock)
 {
-    const auto pRecording = std::make_shared<const Recording>(replay);
+    const auto pRecording = std::make_shared<const Recording>(replay, clock);
     std::uint32_t index = 0;
     for (const std::size_t column : pRecording->valueColumns()) {
         const OidValueType type = pRecording->typeOf(column);

@@ -9,7 +9,6 @@
 namespace {
 
 constexpr std::size_t COUNT_SIZE = 4;
-constexpr std::size_t OID_ELEMENT_SIZE = 4 + 4;       // length, OID
 constexpr std::size_t VALUE_HEADER_SIZE = 4 + 4 + 1;  // length, OID, type code
 constexpr std::size_t LARGEST_NUMBER_SIZE = 4 + 6;    // a MAC address: length, bytes
 constexpr std::size_t LIKELY_TEXT_SIZE = 4 + 64;
@@ -34,14 +33,11 @@ bool isWorthHalving(const ObjectIdContainer& request, std::int32_t result)
 
 ReadPlan::ReadPlan(std::uint32_t slot, const ObjectIdContainer& oids) : m_slot(slot)
 {
-    std::size_t requestSize = 0;
     std::size_t answerSize = 0;
     for (const std::uint32_t oid : oids) {
-        requestSize += OID_ELEMENT_SIZE;
         answerSize += likelyAnswerSize(oid);
-        if (m_requests.empty() || (requestSize > buffer_t::CAPACITY) || (answerSize > buffer_t::CAPACITY)) {
+        if (m_requests.empty() || (answerSize > buffer_t::CAPACITY)) {
             m_requests.emplace_back();
-            requestSize = COUNT_SIZE + OID_ELEMENT_SIZE;
             answerSize = COUNT_SIZE + likelyAnswerSize(oid);
         }
         m_requests.back().push_back(oid);

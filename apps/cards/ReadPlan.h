@@ -1,9 +1,9 @@
 #ifndef APPS_CARDS_READ_PLAN_H
 #define APPS_CARDS_READ_PLAN_H
 
-// Reading many objects with requests and answers of 2048 bytes: as few requests as the bytes of a request and, as far
-// as sizes are known, of its answer allow. A card refuses a request as a whole; one that it refuses for an answer too
-// large, or for an object, is halved until what fails stands alone.
+// Reading many objects with requests and answers of 2048 bytes: as few requests as the bytes of their answers allow, as
+// far as these are known; a request is smaller than its answer. A card refuses a request as a whole; one that it
+// refuses for an answer too large, or for an object, is halved until what fails stands alone.
 //
 //     ReadPlan plan(slot, oids);
 //     while (!plan.isDone()) {

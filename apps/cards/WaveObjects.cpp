@@ -1,9 +1,12 @@
-#include <chrono>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <fstream>
 #include <limits>
 #include <random>
 #include <string>
+#include <system_error>
+#include <vector>
 
 #include <yaml-cpp/yaml.h>
 
@@ -101,7 +104,11 @@ public:
     std::vector<Signal> signals() const
     {
         try {
-            const YAML::Node list = YAML::LoadFile(m_file)["signals"];
+            std::ifstream text(m_file);
+            if (!text) {
+                throw CommandError("cannot read " + m_file + ": " + std::generic_category().message(errno));
+            }
+            const YAML::Node list = YAML::Load(text)["signals"];
             if (!list.IsSequence() || (list.size() == 0) || (list.size() > oids::MAX_SIGNALS)) {
                 throw CommandError(m_file + ": 'signals' is not a list of 1 to " + std::to_string(oids::MAX_SIGNALS));
             }
@@ -110,8 +117,6 @@ public:
                 result.push_back(signalOf(node));
             }
             return result;
-        } catch (const YAML::BadFile&) {
-            throw CommandError("cannot read " + m_file);
         } catch (const YAML::Exception& error) {
             throw CommandError(m_file + placeOf(error.mark) + ": " + error.msg);
         }
@@ -120,6 +125,9 @@ public:
 private:
     Signal signalOf(const YAML::Node& node) const
     {
+        if (!node.IsMap()) {
+            throwAt(node, "a signal is written {name: ..., type: ..., ...}");
+        }
         Signal signal;
         for (const auto& field : node) {
             takeField(field.first.as<std::string>(), field.second, signal);
@@ -204,19 +212,14 @@ private:
 
 }  // namespace
 
-void addWaveObjects(CardObjects& objects, const std::string& file)
+void addWaveObjects(CardObjects& objects, const std::string& file, const SecondsClock& clock)
 {
-    const auto start = std::chrono::steady_clock::now();
-    std::uint32_t index = 0;
-    for (const Signal& signal : DescriptionReader(file).signals()) {
-        objects[oids::WAVE_SIGNAL + index] = {signal.type,
-                                              [signal, start] {
-                                                  const std::chrono::duration<double> elapsed =
-                                                      std::chrono::steady_clock::now() - start;
-                                                  return valueOf(signal, elapsed.count());
-                                              },
-                                              nullptr, nullptr};
-        addConstant(objects, oids::WAVE_LABEL + index, OID_TYPE_STRING, signal.name);
-        ++index;
+    const std::vector<Signal> signals = DescriptionReader(file).signals();
+    const double start = clock();
+    for (std::uint32_t i = 0; i < signals.size(); ++i) {
+        const Signal& signal = signals[i];
+        objects[oids::WAVE_SIGNAL + i] = {
+            signal.type, [signal, start, clock] { return valueOf(signal, clock() - start); }, nullptr, nullptr};
+        addConstant(objects, oids::WAVE_LABEL + i, OID_TYPE_STRING, signal.name);
     }
 }
