@@ -18,6 +18,7 @@ constexpr int LAST_SLOT = 9;
 constexpr double SHORTEST_INTERVAL = 0.001;
 constexpr double LONGEST_INTERVAL = 86400;
 constexpr int LONGEST_TIMEOUT = 3600;
+constexpr int MOST_READINGS = 1'000'000'000;
 
 constexpr const char* CARD_EXAMPLES =
     R"(Serves both ICSC interfaces of the slot until SIGINT or SIGTERM. docs/cards.md tells objects, sources and faults.
@@ -193,7 +194,7 @@ void addWatch(CLI::App& app, Invocation& invocation)
         ->capture_default_str();
     watch->add_option("--count", options->count, "End after so many readings")
         ->type_name("N")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1, MOST_READINGS));
     addJson(*watch, options->isJson);
     watch->callback([options, &invocation] { invocation.run = [options] { return watchObjects(*options); }; });
 }

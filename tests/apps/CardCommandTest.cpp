@@ -414,13 +414,13 @@ TEST_F(CardCommand, SaysHowItIsUsed)
     } cases[] = {
         {{"card"}, "--slot is required"},
         {{"card", "--slot", "10"}, "--slot: Value 10 not in range 0 to 9"},
-        {{"card", "--slot", "3", "--speed", "0"}, "--speed: Value 0 not in range 0.001 to 1000"},
+        {{"card", "--slot", "3", "--speed", "0"}, "--speed: Value 0 not in range 0.001000 to 1000.000000"},
         {{"get"}, "slot is required"},
         {{"get", "10", "1"}, "slot: Value 10 not in range 0 to 9"},
         {{"get", "3"}, "oids is required"},
         {{"set", "3"}, "values is required"},
         {{"set", "3", "1=uint8:1", "--timeout", "0"}, "--timeout: Value 0 not in range 1 to 3600"},
-        {{"watch", "3", "1", "--count", "0"}, "--count: Number less or equal to 0: 0"},
+        {{"watch", "3", "1", "--count", "0"}, "--count: Value 0 not in range 1 to 1000000000"},
     };
     for (const auto& each : cases) {
         EXPECT_EQ(brantel(each.arguments),
