@@ -6,8 +6,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "TemporaryDirectory.h"
 #include "support/Diagnostics.h"
+#include "support/ErrorOf.h"
+#include "support/TemporaryDirectory.h"
 
 constexpr const char* SERVICE = "ICSCClient3.ReadWriteSync";
 
@@ -17,7 +18,9 @@ protected:
 
     MessageTest()
     {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): before any thread
         ::setenv("XDG_RUNTIME_DIR", m_folder.path().c_str(), 1);
+        // NOLINTNEXTLINE(concurrency-mt-unsafe)
         ::unsetenv("BRANTEL_MESSAGE_DIRECTORY");
     }
 

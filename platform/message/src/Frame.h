@@ -67,7 +67,7 @@ enum class FrameFault {
 };
 
 struct DecodedFrame {
-    FrameFault fault;
+    FrameFault fault = FrameFault::None;
     FrameHeader header;  // points into the decoded bytes
     ByteView payload;    // likewise; empty unless the fault is None
 };
