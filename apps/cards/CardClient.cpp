@@ -1,9 +1,7 @@
 #include "cards/CardClient.h"
 
 #include <algorithm>
-#include <iomanip>
 #include <optional>
-#include <sstream>
 
 #include "cards/OidTable.h"
 #include "cards/ResultText.h"
@@ -80,17 +78,4 @@ std::uint32_t oidOfArgument(const std::string& argument)
         throw CommandError("'" + argument + "' is neither a number nor the name of an object (brantel card objects)");
     }
     return pEntry->oid;
-}
-
-std::string nameOfOid(std::uint32_t oid)
-{
-    const OidEntry* const pEntry = findOid(oid);
-    return (pEntry == nullptr) ? numberOfOid(oid) : pEntry->name;
-}
-
-std::string numberOfOid(std::uint32_t oid)
-{
-    std::ostringstream text;
-    text << "0x" << std::hex << std::uppercase << std::setw(8) << std::setfill('0') << oid;
-    return text.str();
 }

@@ -46,10 +46,4 @@ private:
 ObjectIdContainer oidsOfArguments(const std::vector<std::string>& arguments);
 std::uint32_t oidOfArgument(const std::string& argument);
 
-/// The name in the table of objects; the number for an object that it does not have.
-std::string nameOfOid(std::uint32_t oid);
-
-/// Eight digits, with 0x.
-std::string numberOfOid(std::uint32_t oid);
-
 #endif

@@ -1,6 +1,7 @@
 #include "commands/CardSet.h"
 
 #include "cards/CardClient.h"
+#include "cards/OidTable.h"
 #include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
 #include "cards/ValueText.h"

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "cards/CardClient.h"
+#include "cards/OidTable.h"
 #include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
 #include "cards/StopOnSignals.h"

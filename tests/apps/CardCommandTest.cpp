@@ -23,13 +23,6 @@ protected:
         return runProgram(BRANTEL_COMMAND, arguments, own);
     }
 
-    std::string write(const std::string& name, const std::string& content) const
-    {
-        const std::string path = m_directory.write(name, content);
-        std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-        return path;
-    }
-
     // The value that "get" shows.
     std::string value(const std::string& slot, const std::string& name) const
     {
@@ -95,8 +88,9 @@ TEST_F(CardCommand, DoesNotServeASlotTwice)
 
 TEST_F(CardCommand, ServesEverySource)
 {
-    const std::string recording = write("recording.csv", "time,load\n0,7\n");
-    const std::string signals = write("signals.yaml", "signals:\n  - {name: level, type: int16, low: -4}\n");
+    const std::string recording = m_directory.write("recording.csv", "time,load\n0,7\n");
+    const std::string signals =
+        m_directory.write("signals.yaml", "signals:\n  - {name: level, type: int16, low: -4}\n");
     const CardProcess host({"--slot", "0"}, m_environment);
     const CardProcess csv({"--slot", "4", "--source", "csv:" + recording, "--speed", "2"}, m_environment);
     const CardProcess wave({"--slot", "9", "--source", "wave:" + signals}, m_environment);
@@ -172,7 +166,8 @@ TEST_F(CardCommand, SplitsManyObjectsOverRequests)
     for (int i = 0; i < 64; ++i) {
         signals += "  - {name: " + std::string(64, 'n') + "}\n";
     }
-    const CardProcess card({"--slot", "3", "--source", "wave:" + write("signals.yaml", signals)}, m_environment);
+    const CardProcess card({"--slot", "3", "--source", "wave:" + m_directory.write("signals.yaml", signals)},
+                           m_environment);
     Arguments get = {"get", "3"};
     for (int i = 1; i <= 64; ++i) {
         get.push_back("wave." + std::to_string(i) + ".label");
@@ -355,15 +350,16 @@ TEST_F(CardCommand, IsReachedOverTcpWithKeysByWhomItAdmits)
         return keys.out.substr(0, keys.out.size() - 1);
     };
     const std::string serviceKey = createKeys("service.key");
-    write("clients", "client " + createKeys("caller.key") + " the operator's desk\n");
+    m_directory.write("clients", "client " + createKeys("caller.key") + " the operator's desk\n");
     createKeys("stranger.key");
     const std::string serves = " tcp://127.0.0.1:* own-key=service.key clients=clients\n";
     const std::string directory =
-        write("service", "ICSCClient3.ReadWriteSync" + serves + "ICSCClient3.ReadWriteAsync" + serves);
+        m_directory.write("service", "ICSCClient3.ReadWriteSync" + serves + "ICSCClient3.ReadWriteAsync" + serves);
     const CardProcess card({"--slot", "3"}, {"BRANTEL_MESSAGE_DIRECTORY=" + directory});
 
     const auto getWith = [&](const std::string& key) {
-        const std::string file = write("caller", card.directoryLines("own-key=" + key + " service-key=" + serviceKey));
+        const std::string file =
+            m_directory.write("caller", card.directoryLines("own-key=" + key + " service-key=" + serviceKey));
         return runProgram(BRANTEL_COMMAND, {"get", "3", "card.led", "--timeout", "1"},
                           {"", "", "", {"BRANTEL_MESSAGE_DIRECTORY=" + file}});
     };
@@ -373,7 +369,7 @@ TEST_F(CardCommand, IsReachedOverTcpWithKeysByWhomItAdmits)
 
 TEST_F(CardCommand, DoesNotOverwriteKeys)
 {
-    const std::string file = write("some.key", "mine");
+    const std::string file = m_directory.write("some.key", "mine");
     EXPECT_EQ(brantel({"card", "keys", file}), (CommandResult{2, "", "brantel: " + file + ": File exists\n"}));
     EXPECT_EQ(contentOf(file), "mine");
 }

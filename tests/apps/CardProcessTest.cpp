@@ -4,7 +4,6 @@
 #include <memory>
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "IcscClientProxy.h"
 #include "apps/CardProcess.h"
@@ -92,22 +91,15 @@ private:
         m_serviceKey = createKeyFile(m_directory.path() + "/service.key");
         m_directory.write("clients", "client " + createKeyFile(m_directory.path() + "/caller.key") + " the caller\n");
         const std::string options = " tcp://127.0.0.1:* own-key=service.key clients=clients\n";
-        return privateFile("service-directory",
-                           "ICSCClient3.ReadWriteSync" + options + "ICSCClient3.ReadWriteAsync" + options);
+        return m_directory.write("service-directory",
+                                 "ICSCClient3.ReadWriteSync" + options + "ICSCClient3.ReadWriteAsync" + options);
     }
 
     std::string callerDirectory() const
     {
         const std::string options = "own-key=caller.key service-key=" + m_serviceKey;
         const bool isLocal = GetParam() == Transport::LOCAL;
-        return privateFile("caller-directory", isLocal ? "" : m_card->directoryLines(options));
-    }
-
-    std::string privateFile(const std::string& name, const std::string& content) const
-    {
-        const std::string path = m_directory.write(name, content);
-        chmod(path.c_str(), S_IRUSR | S_IWUSR);
-        return path;
+        return m_directory.write("caller-directory", isLocal ? "" : m_card->directoryLines(options));
     }
 
     std::string m_serviceKey;

@@ -1,27 +1,15 @@
 // The sources "csv" and "wave": values that change with time, by a clock that the test sets.
 
-#include <functional>
-
 #include <gtest/gtest.h>
 
 #include "apps/CardValues.h"
 #include "cards/CardObjects.h"
-#include "common/CommandLine.h"
+#include "support/ErrorOf.h"
 #include "support/TemporaryDirectory.h"
 
 using namespace oids;
 
 namespace {
-
-std::string errorOf(const std::function<void()>& act)
-{
-    try {
-        act();
-        return "no error";
-    } catch (const CommandError& error) {
-        return error.what();
-    }
-}
 
 class CardSources : public testing::Test {
 protected:

@@ -1,5 +1,6 @@
 // The card: what it serves, what it takes, and what it refuses with which result.
 
+#include <fstream>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -258,6 +259,22 @@ TEST(OidTable, IsSearchedByNumberAndByName)
     EXPECT_EQ(findOid("wave.64.label")->oid, WAVE_LABEL + 63);
     EXPECT_EQ(findOid(7), nullptr);
     EXPECT_EQ(findOid("mem"), nullptr);
+}
+
+TEST(OidTable, IsDocumented)
+{
+    std::ifstream file(DOCS_DIR "/cards.md");
+    std::set<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        lines.insert(line);
+    }
+    ASSERT_FALSE(lines.empty());
+    for (const OidEntry& entry : oidTable()) {
+        const bool isNumbered = entry.name.find_first_of("123456789") != std::string::npos;
+        const std::string row = "| " + numberOfOid(entry.oid) + " | `" + entry.name + "` | " + nameOfType(*entry.type) +
+                                " | " + (entry.isWritable ? "writable" : "read only") + " | " + entry.meaning + " |";
+        EXPECT_TRUE(isNumbered || (lines.count(row) == 1)) << row;
+    }
 }
 
 }  // namespace
