@@ -18,9 +18,7 @@ protected:
 
     MessageTest()
     {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): before any thread
         ::setenv("XDG_RUNTIME_DIR", m_folder.path().c_str(), 1);
-        // NOLINTNEXTLINE(concurrency-mt-unsafe)
         ::unsetenv("BRANTEL_MESSAGE_DIRECTORY");
     }
 
