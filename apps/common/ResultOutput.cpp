@@ -21,13 +21,13 @@ bool isRegularFile(int file)
 
 bool isSet(const char* variable)
 {
-    const char* const value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): there is one thread
+    const char* const value = std::getenv(variable);
     return (value != nullptr) && (*value != '\0');
 }
 
 bool isColourTerminal(int file)
 {
-    const char* const terminal = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe): there is one thread
+    const char* const terminal = std::getenv("TERM");
     return (isatty(file) != 0) && !isSet("NO_COLOR") && (terminal != nullptr) && (std::string(terminal) != "dumb");
 }
 

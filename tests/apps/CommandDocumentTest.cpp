@@ -49,7 +49,7 @@ TEST_P(CommandDocument, ShowsWhatTheCommandPrints)
 {
     const TemporaryDirectory directory;
     const std::string command = BRANTEL_COMMAND;
-    const char* const searchPath = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe): there is one thread
+    const char* const searchPath = std::getenv("PATH");
     const std::string path = "PATH=" + command.substr(0, command.rfind('/')) + ":" + searchPath;
     const std::vector<DocumentedRun> runs = documentedRuns(GetParam().name);
 

@@ -38,7 +38,7 @@ int openedFile(const std::string& path, int flags)
     }
     argv.push_back(nullptr);
     for (const std::string& variable : environment) {
-        putenv(const_cast<char*>(variable.c_str()));  // NOLINT(concurrency-mt-unsafe): there is one thread
+        putenv(const_cast<char*>(variable.c_str()));
     }
     dup2(streams.in, STDIN_FILENO);
     dup2(streams.out, STDOUT_FILENO);

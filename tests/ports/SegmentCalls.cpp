@@ -36,7 +36,7 @@ std::string pointerText(const void* pointer)
 std::string octal(int flags)
 {
     char text[16];
-    std::snprintf(text, sizeof text, "0%o", static_cast<unsigned int>(flags));
+    static_cast<void>(std::snprintf(text, sizeof text, "0%o", static_cast<unsigned int>(flags)));
     return text;
 }
 
