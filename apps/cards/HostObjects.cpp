@@ -95,7 +95,7 @@ private:
     {
         const Number total = sum(after) - sum(before);
         const Number idle = after[IDLE] + after[IO_WAIT] - before[IDLE] - before[IO_WAIT];
-        return ((total == 0) || (idle > total)) ? 0 : static_cast<unsigned char>((total - idle) * 100 / total);
+        return static_cast<unsigned char>(((total == 0) || (idle > total)) ? 0 : (total - idle) * 100 / total);
     }
 
     std::vector<Number> m_ticks = std::vector<Number>(NUMBER_OF_CPU_COLUMNS);  // first: since the host started
