@@ -1,11 +1,13 @@
 #include "commands/CardWatch.h"
 
+#include <algorithm>
 #include <chrono>
 #include <ctime>
-#include <map>
+#include <iomanip>
+#include <sstream>
 
 #include "cards/CardClient.h"
-#include "cards/ReadPlan.h"
+#include "cards/OidTable.h"
 #include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
 #include "cards/StopOnSignals.h"
@@ -19,79 +21,57 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// Local time, as in 2026-11-21T09:01:49.250
 std::string timeNow()
 {
-    const std::time_t now = std::time(nullptr);
+    timespec now = {};
+    clock_gettime(CLOCK_REALTIME, &now);
     std::tm local = {};
-    localtime_r(&now, &local);
-    char text[32] = "";
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
-    return text;
+    localtime_r(&now.tv_sec, &local);
+    std::ostringstream text;
+    text << std::put_time(&local, "%Y-%m-%dT%H:%M:%S.") << std::setw(3) << std::setfill('0') << now.tv_nsec / 1000000;
+    return text.str();
 }
 
-// One reading at a time: its requests go out together, and it is complete when each was answered or given up.
-class ReadingInParts : private OBappsToICSC_1_0_PR {
+// Reads with asynchronous calls, one reading after the other. Requests of a reading go out one after the other, so that
+// an answer belongs to the request that went out last: each request is answered exactly once.
+class AsynchronousReader : private OBappsToICSC_1_0_PR {
 public:
-    explicit ReadingInParts(std::uint32_t slot) : m_slot(slot), m_client(slot, *this) {}
+    AsynchronousReader(std::uint32_t slot, const ObjectIdContainer& oids)
+        : m_slot(slot), m_oids(oids), m_plan(slot, oids), m_client(slot, *this)
+    {
+    }
 
     OBcomponent& component() { return m_client.component(); }
 
-    void start(const ObjectIdContainer& oids)
+    void start()
     {
-        m_reading = Reading();
-        for (const ObjectIdContainer& request : requestsFor(oids)) {
-            send(request);
-        }
+        m_plan = ReadPlan(m_slot, m_oids);
+        askNext();
     }
 
-    bool isComplete() const { return m_requests.empty(); }
-    const Reading& reading() const { return m_reading; }
+    bool isComplete() const { return m_plan.isDone(); }
+
+    /// Of the last reading that was completed or is under way.
+    const Reading& reading() const { return m_plan.reading(); }
 
 private:
-    void send(const ObjectIdContainer& request)
+    void askNext()
     {
-        if (m_client.startReading(request)) {
-            m_requests[++m_lastSequenceNumber] = request;
-        } else {
-            fail(request, NO_ANSWER);
+        if (!m_plan.isDone() && !m_client.startReading(m_plan.request())) {
+            m_plan.takeNoAnswer();
         }
     }
 
-    void ICSCReadReply(const OBmessage& message, const buffer_t& tlvs, int result) override
+    void ICSCReadReply(const OBmessage&, const buffer_t& tlvs, int result) override
     {
-        const ObjectIdContainer request = m_requests.at(message.sequenceNumber());
-        m_requests.erase(message.sequenceNumber());
-        OidTypeValueMap values;
-        if (result != 0) {
-            failOrHalve(request, result);
-        } else if (convertTlvsToOidTypeValueMap(m_slot, tlvs, values, &request)) {
-            m_reading.values.merge(values);
-        } else {
-            fail(request, NO_ANSWER);
-        }
-    }
-
-    void failOrHalve(const ObjectIdContainer& request, std::int32_t result)
-    {
-        if (const auto halves = halvesOf(request, result)) {
-            send(halves->first);
-            send(halves->second);
-        } else {
-            fail(request, result);
-        }
-    }
-
-    void fail(const ObjectIdContainer& request, std::int32_t result)
-    {
-        for (const std::uint32_t oid : request) {
-            m_reading.failures[oid] = result;
-        }
+        m_plan.takeAnswer(result, tlvs);
+        askNext();
     }
 
     const std::uint32_t m_slot;
-    std::map<std::uint64_t, ObjectIdContainer> m_requests;  // by sequence number: the calls of a proxy count from 1
-    std::uint64_t m_lastSequenceNumber = 0;
-    Reading m_reading;
+    const ObjectIdContainer& m_oids;
+    ReadPlan m_plan;
     CardClient m_client;
 };
 
@@ -120,33 +100,43 @@ private:
         m_output.writeLine(lineOfJson(json));
     }
 
-    // The first row has the names above it; columns keep their place unless a value is too wide for it.
     void tellRow(const Reading& reading)
     {
-        std::vector<std::string> names = {"time"};
-        std::vector<std::string> row = {timeNow()};
+        std::vector<std::string> names = {"Time"};
+        std::vector<std::string> texts = {timeNow()};
         for (const std::uint32_t oid : m_oids) {
-            constexpr std::size_t LIKELY_WIDTH = 10;
-            std::string name = nameOfOid(oid);
-            name.append(LIKELY_WIDTH - std::min(LIKELY_WIDTH, name.size()), ' ');
-            names.push_back(name);
             const auto value = reading.values.find(oid);
-            row.push_back((value != reading.values.end())
-                              ? printable(textOfValue(value->second.type, value->second.value))
-                              : resultTextOf(reading.failures.at(oid)).name);
+            names.push_back(nameOfOid(oid));
+            texts.push_back((value != reading.values.end())
+                                ? printable(textOfValue(value->second.type, value->second.value))
+                                : resultTextOf(reading.failures.at(oid)).name);
         }
-        const std::vector<std::string> lines = alignedLines({names, row});
-        if (m_isFirst) {
-            m_output.writeLine(lines[0]);
-            m_isFirst = false;
+        if (m_widths.empty()) {
+            m_widths.assign(names.size(), NARROWEST_COLUMN);
+            m_output.writeLine(lineOf(names, texts));
         }
-        m_output.writeLine(lines[1]);
+        m_output.writeLine(lineOf(texts, names));
     }
+
+    // Rows come one by one, so a column is as wide as `texts` and `others`, the widest that was known before.
+    std::string lineOf(const std::vector<std::string>& texts, const std::vector<std::string>& others)
+    {
+        std::string line;
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            const std::size_t width = characterCount(texts[i], texts[i].size());
+            m_widths[i] = std::max({m_widths[i], width, characterCount(others[i], others[i].size())});
+            line += texts[i] + std::string(m_widths[i] - width + 2, ' ');
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        return line;
+    }
+
+    static constexpr std::size_t NARROWEST_COLUMN = 8;
 
     const CardWatchOptions& m_options;
     const ObjectIdContainer& m_oids;
     ResultOutput m_output;
-    bool m_isFirst = true;
+    std::vector<std::size_t> m_widths;
 };
 
 // Dispatches until `isDone`, the component is stopped or the time has come.
@@ -166,24 +156,24 @@ ExitCode watchObjects(const CardWatchOptions& options)
     const auto interval = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(options.interval));
     constexpr std::chrono::hours LONG_ENOUGH{1};  // every request is answered or given up much earlier
 
-    ReadingInParts reading(options.slot);
-    const StopOnSignals stopOnSignals(reading.component());
+    AsynchronousReader reader(options.slot, oids);
+    const StopOnSignals stopOnSignals(reader.component());
     WatchOutput output(options, oids);
     Clock::time_point next = Clock::now();
     for (std::uint64_t number = 1;; ++number) {
-        reading.start(oids);
-        dispatchUntil(reading.component(), Clock::now() + LONG_ENOUGH, [&] { return reading.isComplete(); });
-        if (reading.isComplete()) {
-            output.tell(reading.reading());
+        reader.start();
+        dispatchUntil(reader.component(), Clock::now() + LONG_ENOUGH, [&] { return reader.isComplete(); });
+        if (reader.isComplete()) {
+            output.tell(reader.reading());
         }
-        if ((number == options.count) || reading.component().isStopping()) {
+        if (number == options.count) {
             break;
         }
         next = std::max(next + interval, Clock::now());
-        dispatchUntil(reading.component(), next, [] { return false; });
-        if (reading.component().isStopping()) {
+        dispatchUntil(reader.component(), next, [] { return false; });
+        if (reader.component().isStopping()) {
             break;
         }
     }
-    return reading.reading().failures.empty() ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
+    return reader.reading().failures.empty() ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
 }

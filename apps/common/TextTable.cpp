@@ -18,11 +18,11 @@ TextTable::TextTable(const std::vector<TextColumn>& columns) : m_columns(columns
     }
 }
 
-void TextTable::addRow(const std::vector<std::string>& texts)
+void TextTable::addRow(const std::vector<std::string>& texts, std::optional<Colour> colour)
 {
-    m_rows.emplace_back();
+    m_rows.push_back({{}, colour});
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        m_rows.back().push_back(printable(texts[i]));
+        m_rows.back().texts.push_back(printable(texts[i]));
         m_widths[i] = std::max(m_widths[i], widthOf(texts[i]));
     }
 }
@@ -34,8 +34,9 @@ void TextTable::write(ResultOutput& output) const
         titles.push_back(column.title);
     }
     output.writeLine(lineOf(titles));
-    for (const std::vector<std::string>& row : m_rows) {
-        output.writeLine(lineOf(row));
+    for (const Row& row : m_rows) {
+        const std::string line = lineOf(row.texts);
+        output.writeLine(row.colour ? output.coloured(*row.colour, line) : line);
     }
 }
 
