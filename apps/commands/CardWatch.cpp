@@ -2,16 +2,15 @@
 
 #include <chrono>
 #include <ctime>
-#include <map>
 
 #include "cards/CardClient.h"
 #include "cards/ReadPlan.h"
 #include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
+#include "cards/SlotReading.h"
 #include "cards/StopOnSignals.h"
 #include "cards/ValueText.h"
 #include "common/ResultOutput.h"
-#include "icsc/OBappsToICSC_1_0_PR.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -28,72 +27,6 @@ std::string timeNow()
     std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
     return text;
 }
-
-// One reading at a time: its requests go out together, and it is complete when each was answered or given up.
-class ReadingInParts : private OBappsToICSC_1_0_PR {
-public:
-    explicit ReadingInParts(std::uint32_t slot) : m_slot(slot), m_client(slot, *this) {}
-
-    OBcomponent& component() { return m_client.component(); }
-
-    void start(const ObjectIdContainer& oids)
-    {
-        m_reading = Reading();
-        for (const ObjectIdContainer& request : requestsFor(oids)) {
-            send(request);
-        }
-    }
-
-    bool isComplete() const { return m_requests.empty(); }
-    const Reading& reading() const { return m_reading; }
-
-private:
-    void send(const ObjectIdContainer& request)
-    {
-        if (m_client.startReading(request)) {
-            m_requests[++m_lastSequenceNumber] = request;
-        } else {
-            fail(request, NO_ANSWER);
-        }
-    }
-
-    void ICSCReadReply(const OBmessage& message, const buffer_t& tlvs, int result) override
-    {
-        const ObjectIdContainer request = m_requests.at(message.sequenceNumber());
-        m_requests.erase(message.sequenceNumber());
-        OidTypeValueMap values;
-        if (result != 0) {
-            failOrHalve(request, result);
-        } else if (convertTlvsToOidTypeValueMap(m_slot, tlvs, values, &request)) {
-            m_reading.values.merge(values);
-        } else {
-            fail(request, NO_ANSWER);
-        }
-    }
-
-    void failOrHalve(const ObjectIdContainer& request, std::int32_t result)
-    {
-        if (const auto halves = halvesOf(request, result)) {
-            send(halves->first);
-            send(halves->second);
-        } else {
-            fail(request, result);
-        }
-    }
-
-    void fail(const ObjectIdContainer& request, std::int32_t result)
-    {
-        for (const std::uint32_t oid : request) {
-            m_reading.failures[oid] = result;
-        }
-    }
-
-    const std::uint32_t m_slot;
-    std::map<std::uint64_t, ObjectIdContainer> m_requests;  // by sequence number: the calls of a proxy count from 1
-    std::uint64_t m_lastSequenceNumber = 0;
-    Reading m_reading;
-    CardClient m_client;
-};
 
 class WatchOutput {
 public:
@@ -166,22 +99,24 @@ ExitCode watchObjects(const CardWatchOptions& options)
     const auto interval = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(options.interval));
     constexpr std::chrono::hours LONG_ENOUGH{1};  // every request is answered or given up much earlier
 
-    ReadingInParts reading(options.slot);
-    const StopOnSignals stopOnSignals(reading.component());
+    SlotReading reading(options.slot);
+    CardClient client(options.slot, reading);
+    OBcomponent& component = client.component();
+    const StopOnSignals stopOnSignals(component);
     WatchOutput output(options, oids);
     Clock::time_point next = Clock::now();
     for (std::uint64_t number = 1;; ++number) {
-        reading.start(oids);
-        dispatchUntil(reading.component(), Clock::now() + LONG_ENOUGH, [&] { return reading.isComplete(); });
+        reading.start(requestsFor(oids));
+        dispatchUntil(component, Clock::now() + LONG_ENOUGH, [&] { return reading.isComplete(); });
         if (reading.isComplete()) {
             output.tell(reading.reading());
         }
-        if ((number == options.count) || reading.component().isStopping()) {
+        if ((number == options.count) || component.isStopping()) {
             break;
         }
         next = std::max(next + interval, Clock::now());
-        dispatchUntil(reading.component(), next, [] { return false; });
-        if (reading.component().isStopping()) {
+        dispatchUntil(component, next, [] { return false; });
+        if (component.isStopping()) {
             break;
         }
     }

@@ -42,9 +42,14 @@ void throwUnless(bool isWritten)
 
 ResultOutput::ResultOutput() : m_isFile(isRegularFile(STDOUT_FILENO)), m_isColoured(isColourTerminal(STDOUT_FILENO)) {}
 
-void ResultOutput::writeLine(const std::string& text)
+void ResultOutput::writeText(const std::string& text)
 {
     throwUnless(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
+}
+
+void ResultOutput::writeLine(const std::string& text)
+{
+    writeText(text);
     throwUnless(std::fputc('\n', stdout) != EOF);
     if (!m_isFile) {
         finish();

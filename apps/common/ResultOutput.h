@@ -16,6 +16,9 @@ public:
     /// Writes `text` and a line end. Throws CommandError.
     void writeLine(const std::string& text);
 
+    /// Writes `text` as it is, for a terminal. Throws CommandError.
+    void writeText(const std::string& text);
+
     /// Writes what is still buffered; before anything else is written, and last. Throws CommandError.
     void finish();
 
