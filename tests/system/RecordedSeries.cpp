@@ -137,7 +137,7 @@ std::vector<SeriesEvent> eventsOf(const RuleKind& kind, const std::vector<std::i
                 states[c] = condition.decide(before, previous, samples[i]);
             }
             if (states[c] != before) {
-                events.push_back({condition.name, states[c], samples[i], previous});
+                events.push_back({i + 1, condition.name, states[c], samples[i], previous});
             }
         }
     }

@@ -11,6 +11,7 @@
 
 /// What a change of a condition looks like in the journal.
 struct SeriesEvent {
+    std::size_t row;  ///< of the sample that brought it, from 1; not compared, the journal does not tell
     std::string condition;
     bool isRaised;
     std::int64_t value;
