@@ -16,7 +16,14 @@ CommandResult TestNode::run(const std::vector<std::string>& arguments) const
 
 std::unique_ptr<ChildProcess> TestNode::start(const std::vector<std::string>& arguments, const std::string& name) const
 {
-    return std::make_unique<ChildProcess>(BRANTEL_COMMAND, arguments, m_environment, path(name));
+    return startProgram(BRANTEL_COMMAND, arguments, name);
+}
+
+std::unique_ptr<ChildProcess> TestNode::startProgram(const std::string& program,
+                                                     const std::vector<std::string>& arguments,
+                                                     const std::string& name) const
+{
+    return std::make_unique<ChildProcess>(program, arguments, m_environment, path(name));
 }
 
 std::unique_ptr<ChildProcess> TestNode::startCard(std::uint32_t slot, const std::vector<std::string>& arguments) const

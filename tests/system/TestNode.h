@@ -51,6 +51,10 @@ public:
     /// Starts the command, with its output in the file `name`.
     std::unique_ptr<ChildProcess> start(const std::vector<std::string>& arguments, const std::string& name) const;
 
+    /// The same with another program.
+    std::unique_ptr<ChildProcess> startProgram(const std::string& program, const std::vector<std::string>& arguments,
+                                               const std::string& name) const;
+
     /// Starts a card and waits until it serves.
     std::unique_ptr<ChildProcess> startCard(std::uint32_t slot, const std::vector<std::string>& arguments) const;
 
