@@ -102,7 +102,7 @@ void Journal::repair()
     }
     const std::optional<Event> lastEvent = eventOfJsonLine(lastLine);
     const std::optional<Event> unendedEvent = eventOfJsonLine(torn);
-    if ((!lastLine.empty() && !lastEvent) || !isStartOfLine(torn)) {
+    if (((posTorn > 0) && !lastEvent) || !isStartOfLine(torn)) {
         throw CommandError("'" + m_path + "' is no journal: its last line is no event");
     }
     m_lastEvent = lastEvent ? lastEvent->number : 0;

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::size_t N_EVENTS = 8;
 
+constexpr const char* CLEARED = "cleared";
+
 struct TerminalSize {
     std::size_t width;
     std::size_t height;
@@ -42,7 +44,7 @@ std::string stateText(const WatchedRule& rule)
             text += (text.empty() ? "RAISED" : ",") + (conditions[i].empty() ? "" : " " + conditions[i]);
         }
     }
-    return text.empty() ? "cleared" : text;
+    return text.empty() ? CLEARED : text;
 }
 
 std::string valueText(const WatchedRule& rule)
@@ -51,22 +53,43 @@ std::string valueText(const WatchedRule& rule)
     return sample ? std::to_string(*sample) : "-";
 }
 
-// Raised conditions and failing objects first, so that they are seen when there is no room for all.
-std::vector<std::vector<std::string>> ruleRows(const ConditionMonitor& monitor)
+struct RuleRows {
+    std::vector<std::vector<std::string>> rows;
+    std::size_t urgent = 0;  ///< how many of them, the first ones, are raised or failing
+};
+
+// What is urgent first, so that it is seen when there is no room for all.
+RuleRows ruleRows(const ConditionMonitor& monitor)
 {
-    std::vector<std::vector<std::string>> urgent;
+    RuleRows result;
     std::vector<std::vector<std::string>> others;
     for (const auto& [place, watched] : monitor.places()) {
         for (const auto& [oid, object] : watched.objects) {
             for (const WatchedRule& rule : object.rules) {
                 const std::string state = object.failure.empty() ? stateText(rule) : "failed: " + object.failure;
-                auto& rows = (state == "cleared") ? others : urgent;
+                auto& rows = (state == CLEARED) ? others : result.rows;
                 rows.push_back({placeText(place), nameOfOid(oid), valueText(rule), state, rule.text});
             }
         }
     }
-    urgent.insert(urgent.end(), others.begin(), others.end());
-    return urgent;
+    result.urgent = result.rows.size();
+    result.rows.insert(result.rows.end(), others.begin(), others.end());
+    return result;
+}
+
+// The beginning of `text` that is at most `width` characters wide.
+std::string cutTo(const std::string& text, std::size_t width)
+{
+    std::size_t length = std::min(text.size(), width);
+    while ((length < text.size()) && (characterCount(text, length + 1) <= width)) {
+        ++length;
+    }
+    return text.substr(0, length);
+}
+
+std::string counted(std::size_t count, const std::string& noun)
+{
+    return std::to_string(count) + " " + noun + ((count == 1) ? "" : "s");
 }
 
 std::string placeLine(const std::pair<const Place, WatchedPlace>& entry, const MonitorFigures& figures)
@@ -76,7 +99,7 @@ std::string placeLine(const std::pair<const Place, WatchedPlace>& entry, const M
     const MonitorFigures::PlaceFigures each =
         (found == figures.places.end()) ? MonitorFigures::PlaceFigures() : found->second;
     return placeText(place) + ": " + (watched.failure.empty() ? "answers" : "FAILED: " + watched.failure) + ", " +
-           std::to_string(watched.objects.size()) + " objects, " + std::to_string(each.readings) + " readings, last " +
+           counted(watched.objects.size(), "object") + ", " + counted(each.readings, "reading") + ", last " +
            milliseconds(each.lastReading);
 }
 
@@ -94,36 +117,45 @@ void LiveView::draw(const ConditionMonitor& monitor, const MonitorFigures& figur
 {
     const TerminalSize size = terminalSize();
     std::string picture = "\x1b[H";
-    for (const std::string& line : lines(monitor, figures, size.height)) {
-        picture += printable(line).substr(0, size.width) + "\x1b[K\r\n";
+    for (const Line& line : linesOf(monitor, figures, size.height)) {
+        const std::string text = cutTo(printable(line.text), size.width);
+        picture += (line.colour ? m_output.coloured(*line.colour, text) : text) + "\x1b[K\r\n";
     }
-    picture += "\x1b[J";
-    m_output.writeText(picture);
+    m_output.writeText(picture + "\x1b[J");
     m_output.finish();
 }
 
-std::vector<std::string> LiveView::lines(const ConditionMonitor& monitor, const MonitorFigures& figures,
-                                         std::size_t height) const
+std::vector<LiveView::Line> LiveView::linesOf(const ConditionMonitor& monitor, const MonitorFigures& figures,
+                                              std::size_t height) const
 {
-    std::vector<std::string> lines = {"brantel monitor: cycle " + std::to_string(figures.cycles) + ", last " +
-                                      milliseconds(figures.lastCycle) + ", longest " +
-                                      milliseconds(figures.longestCycle) + ", " + std::to_string(figures.evaluations) +
-                                      " evaluations"};
+    std::vector<Line> lines = {
+        {"brantel monitor: cycle " + std::to_string(figures.cycles) + ", last " + milliseconds(figures.lastCycle) +
+             ", longest " + milliseconds(figures.longestCycle) + ", " + counted(figures.evaluations, "evaluation"),
+         {}}};
     for (const auto& entry : monitor.places()) {
-        lines.push_back(placeLine(entry, figures));
+        lines.push_back(
+            {placeLine(entry, figures), entry.second.failure.empty() ? std::nullopt : std::optional(Colour::RED)});
     }
-    const std::vector<std::string> rules = alignedLines(ruleRows(monitor));
-    const std::size_t reserved = lines.size() + m_lastEvents.size() + 4;
-    const std::size_t room = (height > reserved) ? height - reserved : 1;
-    const std::size_t shown = std::min(room, rules.size());
-    lines.emplace_back();
-    lines.insert(lines.end(), rules.begin(), rules.begin() + static_cast<std::ptrdiff_t>(shown));
-    if (shown < rules.size()) {
-        lines.push_back("... and " + std::to_string(rules.size() - shown) + " rules more");
-    }
-    lines.emplace_back();
+    constexpr std::size_t OTHER_LINES = 4;  // two empty ones, that about more rules, and where the cursor stays
+    const std::size_t reserved = lines.size() + m_lastEvents.size() + OTHER_LINES;
+    lines.push_back({});
+    addRules(lines, monitor, (height > reserved) ? height - reserved : 1);
+    lines.push_back({});
     for (const Event& event : m_lastEvents) {
-        lines.push_back(timeText(event.time).substr(11, 8) + " " + sentenceOf(event));
+        lines.push_back({timeText(event.time).substr(11, 8) + " " + sentenceOf(event), colourOf(event.kind)});
     }
     return lines;
+}
+
+void LiveView::addRules(std::vector<Line>& lines, const ConditionMonitor& monitor, std::size_t room) const
+{
+    const RuleRows rules = ruleRows(monitor);
+    const std::vector<std::string> texts = alignedLines(rules.rows);
+    const std::size_t shown = std::min(room, texts.size());
+    for (std::size_t i = 0; i < shown; ++i) {
+        lines.push_back({texts[i], (i < rules.urgent) ? std::optional(Colour::RED) : std::nullopt});
+    }
+    if (shown < texts.size()) {
+        lines.push_back({"... and " + counted(texts.size() - shown, "more rule"), Colour::DIM});
+    }
 }

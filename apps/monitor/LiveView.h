@@ -4,8 +4,8 @@
 // The monitor on a terminal: places, rules with their last values and states, the last events, drawn anew at each
 // cycle.
 
-#include <chrono>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,8 +21,13 @@ public:
     void draw(const ConditionMonitor& monitor, const MonitorFigures& figures);
 
 private:
-    std::vector<std::string> lines(const ConditionMonitor& monitor, const MonitorFigures& figures,
-                                   std::size_t height) const;
+    struct Line {
+        std::string text;
+        std::optional<Colour> colour;
+    };
+
+    std::vector<Line> linesOf(const ConditionMonitor& monitor, const MonitorFigures& figures, std::size_t height) const;
+    void addRules(std::vector<Line>& lines, const ConditionMonitor& monitor, std::size_t room) const;
 
     ResultOutput m_output;
     std::deque<Event> m_lastEvents;

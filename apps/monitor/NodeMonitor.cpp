@@ -337,7 +337,7 @@ void NodeMonitor::endCycle()
         m_figures.requests += slot.slotReading().requestsSent();
     }
     writeMetrics();
-    if (m_pView != nullptr) {
+    if ((m_pView != nullptr) && (m_figures.cycles > 0)) {
         m_pView->draw(m_monitor, m_figures);
     }
 }
