@@ -1,7 +1,6 @@
 #include "monitor/EventRecorder.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "common/CommandLine.h"
 
@@ -35,12 +34,10 @@ void EventRecorder::restore(ConditionMonitor& monitor)
             m_waitingLines.push_back(line);
         }
     }
-    for (std::size_t i = 0; i < m_waiting.size(); ++i) {
-        for (const auto& pOutput : m_outputs) {
-            pOutput->tell(m_waiting[i], m_waitingLines[i]);
-        }
-    }
+    const ConditionMonitor::Events events = m_waiting;
+    const std::vector<std::string> lines = m_waitingLines;
     appendToJournal();
+    tell(events, lines);
 }
 
 void EventRecorder::record(ConditionMonitor::Events& events, const ConditionMonitor& monitor)
@@ -55,11 +52,7 @@ void EventRecorder::record(ConditionMonitor::Events& events, const ConditionMoni
                                          m_waitingLines.end());
     saveState(monitor);
     appendToJournal();
-    for (std::size_t i = 0; i < events.size(); ++i) {
-        for (const auto& pOutput : m_outputs) {
-            pOutput->tell(events[i], lines[i]);
-        }
-    }
+    tell(events, lines);
 }
 
 void EventRecorder::saveState(const ConditionMonitor& monitor)
@@ -69,9 +62,9 @@ void EventRecorder::saveState(const ConditionMonitor& monitor)
     }
     try {
         m_state->save(stateText(m_lastEvent, monitor, m_waitingLines));
-        m_stateFault.clear();
+        m_stateNotice.set("");
     } catch (const CommandError& error) {
-        report(m_stateFault, error.what());
+        m_stateNotice.set(error.what());
     }
 }
 
@@ -93,18 +86,19 @@ void EventRecorder::appendToJournal()
         if (m_state && (appended > 0)) {
             m_pJournal->synchronise();  // the next state will not hold these events any more
         }
-        m_journalFault.clear();
+        m_journalNotice.set("");
     } catch (const CommandError& error) {
-        report(m_journalFault, error.what());
+        m_journalNotice.set(error.what());
     }
     m_waiting.erase(m_waiting.begin(), m_waiting.begin() + static_cast<std::ptrdiff_t>(appended));
     m_waitingLines.erase(m_waitingLines.begin(), m_waitingLines.begin() + static_cast<std::ptrdiff_t>(appended));
 }
 
-void EventRecorder::report(std::string& reported, const std::string& fault) const
+void EventRecorder::tell(const ConditionMonitor::Events& events, const std::vector<std::string>& lines) const
 {
-    if (reported != fault) {
-        static_cast<void>(std::fprintf(stderr, "brantel: %s\n", fault.c_str()));
-        reported = fault;
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        for (const auto& pOutput : m_outputs) {
+            pOutput->tell(events[i], lines[i]);
+        }
     }
 }

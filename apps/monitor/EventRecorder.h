@@ -19,6 +19,7 @@
 #include "monitor/ConditionMonitor.h"
 #include "monitor/EventOutput.h"
 #include "monitor/Journal.h"
+#include "monitor/OperatorNotice.h"
 #include "monitor/StateFile.h"
 
 class EventRecorder {
@@ -32,8 +33,8 @@ public:
     void restore(ConditionMonitor& monitor);
 
     /// Records events, which get their numbers, with the memory of the monitor that they come from. A file that cannot
-    /// be written is told of on standard error, once until it can be written again; events that are not in the journal
-    /// then are appended with the next ones.
+    /// be written is told of on standard error and in syslog, once until it can be written again; events that are not
+    /// in the journal then are appended with the next ones.
     void record(ConditionMonitor::Events& events, const ConditionMonitor& monitor);
 
     /// Leaves a state that needs no repair. Last.
@@ -47,7 +48,7 @@ public:
 private:
     void saveState(const ConditionMonitor& monitor);
     void appendToJournal();
-    void report(std::string& reported, const std::string& fault) const;
+    void tell(const ConditionMonitor::Events& events, const std::vector<std::string>& lines) const;
 
     const std::string m_journalPath;
     std::optional<StateFile> m_state;
@@ -56,8 +57,8 @@ private:
     std::uint64_t m_lastEvent = 0;
     ConditionMonitor::Events m_waiting;  ///< recorded, but not in the journal yet
     std::vector<std::string> m_waitingLines;
-    std::string m_stateFault;
-    std::string m_journalFault;
+    OperatorNotice m_stateNotice;
+    OperatorNotice m_journalNotice;
 };
 
 #endif

@@ -4,7 +4,6 @@
 #include <cstdio>
 
 #include <poll.h>
-#include <syslog.h>
 #include <unistd.h>
 
 #include "IcscClientProxy.h"
@@ -23,21 +22,6 @@ constexpr std::chrono::milliseconds RECORD_DELAY{50};
 // How long readings that are under way may take when the monitor ends: after a signal, and after the last cycle.
 constexpr std::chrono::seconds SIGNAL_GRACE{1};
 constexpr std::chrono::seconds LAST_CYCLE_GRACE{10};
-
-void tellOperator(const std::string& text)
-{
-    static_cast<void>(std::fprintf(stderr, "brantel: %s\n", text.c_str()));
-    syslog(LOG_ERR, "%s", text.c_str());
-}
-
-// Tells of a fault that is not the one told last; empty: there is none now.
-void tellIfNew(std::string& toldFault, const std::string& fault)
-{
-    if (!fault.empty() && (fault != toldFault)) {
-        tellOperator(fault);
-    }
-    toldFault = fault;
-}
 
 // Adds the time that its life takes to a part of the cycle.
 class PartTimer {
@@ -211,9 +195,9 @@ void NodeMonitor::followDatabase()
             m_monitor.follow(*book, eventTimeNow(), m_events);
             updateSlots();
         }
-        tellIfNew(m_databaseFault, "");
+        m_databaseNotice.set("");
     } catch (const sql::Error& error) {
-        tellIfNew(m_databaseFault, error.what() + std::string("; the rules stay as they are"));
+        m_databaseNotice.set(error.what() + std::string("; the rules stay as they are"));
     }
 }
 
@@ -349,9 +333,9 @@ void NodeMonitor::writeMetrics()
     }
     try {
         replaceFile(m_options.metricsFile, prometheusText(m_figures, m_monitor), Durability::UNTIL_CRASH);
-        tellIfNew(m_metricsFault, "");
+        m_metricsNotice.set("");
     } catch (const CommandError& error) {
-        tellIfNew(m_metricsFault, error.what());
+        m_metricsNotice.set(error.what());
     }
 }
 

@@ -20,6 +20,7 @@
 #include "monitor/EventRecorder.h"
 #include "monitor/LiveView.h"
 #include "monitor/MonitorFigures.h"
+#include "monitor/OperatorNotice.h"
 #include "monitor/PolledSlot.h"
 #include "monitor/RuleBook.h"
 #include "monitor/Signals.h"
@@ -83,8 +84,8 @@ private:
     OBcomponent m_component{"monitor"};
     std::map<std::uint32_t, PolledSlot> m_slots;
     MonitorFigures m_figures;
-    std::string m_metricsFault;
-    std::string m_databaseFault;
+    OperatorNotice m_metricsNotice;
+    OperatorNotice m_databaseNotice;
 
     ConditionMonitor::Events m_events;  ///< not recorded yet
     Clock::time_point m_cycleStart;

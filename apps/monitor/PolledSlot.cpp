@@ -12,6 +12,8 @@ constexpr std::chrono::milliseconds RECONNECT_TIME{600};
 
 constexpr std::size_t MAX_RETRIES = 32;
 
+constexpr std::int32_t LAST_CARD_RESULT = 0x00FFFFFF;
+
 }  // namespace
 
 PolledSlot::PolledSlot(std::uint32_t slot, OBcomponent& component) : m_reading(slot), m_presence(component)
@@ -39,7 +41,7 @@ void PolledSlot::setOids(const ObjectIdContainer& oids)
 {
     if (m_oids != oids) {
         m_oids = oids;
-        m_failing.clear();
+        m_refused.clear();
         m_isPlanned = false;
     }
 }
@@ -53,29 +55,35 @@ void PolledSlot::start(Clock::time_point now)
 const Reading& PolledSlot::take()
 {
     m_start.reset();
-    const Reading& reading = m_reading.reading();
-    for (const auto& [oid, result] : reading.failures) {
-        m_isPlanned = m_failing.insert(oid).second ? false : m_isPlanned;
-    }
-    const std::set<std::uint32_t> failing = m_failing;
-    for (const std::uint32_t oid : failing) {
-        if (reading.values.count(oid) != 0) {
-            m_failing.erase(oid);
-            m_isPlanned = false;
-        }
-    }
-    return reading;
+    noteRefusals(m_reading.reading());
+    return m_reading.reading();
 }
 
-// A card refuses a request for the sake of one object, so objects that failed are asked for apart, some in each
-// reading, unless all of them failed.
+void PolledSlot::noteRefusals(const Reading& reading)
+{
+    const std::set<std::uint32_t> refusedBefore = m_refused;
+    for (const auto& [oid, result] : reading.failures) {
+        if ((result > 0) && (result <= LAST_CARD_RESULT)) {
+            m_refused.insert(oid);
+        }
+    }
+    if (areAllRefused() && !reading.values.empty()) {
+        m_refused.clear();  // the card is in order again
+    }
+    for (const auto& [oid, value] : reading.values) {
+        m_refused.erase(oid);
+    }
+    m_isPlanned = m_isPlanned && (m_refused == refusedBefore);
+}
+
+// A card refuses a request for the sake of one object. So objects that it refused are asked for apart, some in each
+// reading; of a card that refuses all of them, one.
 std::vector<ObjectIdContainer> PolledSlot::nextRequests()
 {
-    const bool doAllFail = (m_failing.size() == m_oids.size());
     if (!m_isPlanned) {
         ObjectIdContainer together;
         for (const std::uint32_t oid : m_oids) {
-            if (doAllFail || (m_failing.count(oid) == 0)) {
+            if (m_refused.count(oid) == 0) {
                 together.push_back(oid);
             }
         }
@@ -83,22 +91,20 @@ std::vector<ObjectIdContainer> PolledSlot::nextRequests()
         m_isPlanned = true;
     }
     std::vector<ObjectIdContainer> requests = m_requests;
-    if (!doAllFail) {
-        for (const std::uint32_t oid : nextRetries()) {
-            requests.push_back({oid});
-        }
+    for (const std::uint32_t oid : nextRetries(areAllRefused() ? 1 : MAX_RETRIES)) {
+        requests.push_back({oid});
     }
     return requests;
 }
 
-// The next failing objects in turn.
-ObjectIdContainer PolledSlot::nextRetries()
+// The next refused objects in turn, `count` at most.
+ObjectIdContainer PolledSlot::nextRetries(std::size_t count)
 {
     ObjectIdContainer retries;
-    auto next = m_failing.upper_bound(m_lastRetried);
-    for (std::size_t i = 0; i < std::min(m_failing.size(), MAX_RETRIES); ++i) {
-        if (next == m_failing.end()) {
-            next = m_failing.begin();
+    auto next = m_refused.upper_bound(m_lastRetried);
+    for (std::size_t i = 0; i < std::min(m_refused.size(), count); ++i) {
+        if (next == m_refused.end()) {
+            next = m_refused.begin();
         }
         m_lastRetried = *next++;
         retries.push_back(m_lastRetried);

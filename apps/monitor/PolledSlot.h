@@ -50,17 +50,19 @@ public:
     const SlotReading& slotReading() const { return m_reading; }
 
 private:
+    bool areAllRefused() const { return m_refused.size() == m_oids.size(); }
+    void noteRefusals(const Reading& reading);
     std::vector<ObjectIdContainer> nextRequests();
-    ObjectIdContainer nextRetries();
+    ObjectIdContainer nextRetries(std::size_t count);
 
     SlotReading m_reading;
     OBappsToICSC_1_0_P m_presence;  ///< never called: the client does not tell whether the card is there
     bool m_wasAbsent = false;
     std::optional<Clock::time_point> m_reachableSince;
     ObjectIdContainer m_oids;
-    std::set<std::uint32_t> m_failing;  ///< those that were asked for last in vain
+    std::set<std::uint32_t> m_refused;  ///< those that the card refused when it was asked for them last
     std::uint32_t m_lastRetried = 0;
-    std::vector<ObjectIdContainer> m_requests;  ///< for those that do not fail
+    std::vector<ObjectIdContainer> m_requests;  ///< for the others
     bool m_isPlanned = false;
     std::optional<Clock::time_point> m_start;
 };

@@ -206,6 +206,31 @@ TEST(MonitorNode, ReportsEachWayInWhichACardCanLieOnce)
     }
 }
 
+TEST(MonitorNode, ReadsOnWhatACardHasBesideWhatItHasNot)
+{
+    constexpr std::size_t N_MISSING = 100;
+    const SmallNode node;
+    std::string rules = "Slot,OID,Rule\n";
+    for (std::size_t oid = 1; oid <= N_MISSING; ++oid) {
+        rules += "3," + std::to_string(oid) + ",expr=signed(value>0)\n";
+    }
+    node.mustRun({"db", "import", node.write("rules.csv", rules)});
+    const auto pMonitor = node.startMonitor();
+    EXPECT_EQ(node.sentencesOnce(N_MISSING).size(), N_MISSING);
+    node.waitForCycles();
+    const double cyclesBefore = *node.figure("cycles_total");
+    const double requestsBefore = *node.figure("requests_total");
+    node.waitForCycles();
+    const double requests = *node.figure("requests_total") - requestsBefore;
+    const double cycles = *node.figure("cycles_total") - cyclesBefore;
+    node.setThreshold(91);
+
+    EXPECT_EQ(node.sentencesOnce(N_MISSING + 1).back(), RAISED);
+    EXPECT_LE(requests, 33 * (cycles + 1)) << "one for what is there, 32 for what may be there again";
+    pMonitor->send(SIGTERM);
+    EXPECT_EQ(pMonitor->wait(), 0);
+}
+
 TEST(MonitorNode, RaisesNothingTwiceOverARestartAndLosesNothing)
 {
     const SmallNode node;
