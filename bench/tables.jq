@@ -1,7 +1,7 @@
-# The tables of docs/performance.md from the benchmark's JSON. Times are medians, in nanoseconds.
+# The tables of docs/performance.md from what the benchmarks write. Times are medians, in nanoseconds.
 
 def times($series):
-    [.benchmarks | sort_by(.family_index)[]
+    [.[0].benchmarks | sort_by(.family_index)[]
      | select(.aggregate_name == "median")
      | (.run_name | split("/")) as [$name, $rule, $byWhom]
      | select($name == $series)
@@ -41,7 +41,47 @@ def parsingTable:
        + ([$ns.muparser / $ns.library, $ns.lua54 / $ns.library, $ns.luajit / $ns.library] | map(short))
      | row);
 
+def codecTable($series; $limit):
+    ($limit | map({key: .rule, value: .ns.memcpy}) | from_entries) as $copied
+    | (["values", "library, ns per value", "protobuf : library", "nanopb : library", "msgpack-cxx : library",
+        "net-snmp : library", "library : memcpy"] | row),
+      "|--:|--:|--:|--:|--:|--:|--:|",
+      (times($series)[]
+       | .rule as $rule
+       | .ns as $ns
+       | [$rule, ($ns.library | short)]
+         + ([$ns.protobuf / $ns.library, $ns.nanopb / $ns.library, $ns.msgpack / $ns.library,
+             $ns.netsnmp / $ns.library, $ns.library / $copied[$rule]] | map(short))
+       | row);
+
+# The peers' own form beside what the library does, conversion of the values included.
+def ownFormTable($series):
+    (times($series) | map({key: .rule, value: .ns.library}) | from_entries) as $library
+    | (["values", "protobuf : library", "nanopb : library", "msgpack-cxx : library"] | row),
+      "|--:|--:|--:|--:|",
+      (times($series + " own form")[]
+       | .rule as $rule
+       | .ns as $ns
+       | [$rule] + ([$ns.protobuf, $ns.nanopb, $ns.msgpack] | map(. / $library[$rule] | short))
+       | row);
+
+def sideBySideTable($what; $bare):
+    ([$what, "microseconds", "\($what) : \($bare)"] | row),
+    "|---|--:|--:|",
+    (.[] | ["`\(.name)`", (.ns / 1000 | short), (.ratio | short)] | row);
+
 "Measured on \($machine), built by \($compiler).",
-"", "### Evaluation, samples whose verdict changes", "", evaluationTable("changing"),
-"", "### Evaluation, samples whose verdict stays", "", evaluationTable("steady"),
-"", "### Parsing", "", parsingTable
+if $part == "rules" then
+    "", "### Evaluation, samples whose verdict changes", "", evaluationTable("changing"),
+    "", "### Evaluation, samples whose verdict stays", "", evaluationTable("steady"),
+    "", "### Parsing", "", parsingTable
+elif $part == "codec" then
+    "", "### Encoding", "", codecTable("encode"; times("copy")),
+    "", "### Decoding", "", codecTable("decode"; times("copy")),
+    "", "### Encoding the peers' own form", "", ownFormTable("encode"),
+    "", "### Decoding into the peers' own form", "", ownFormTable("decode")
+elif $part == "ports" then
+    "", sideBySideTable("operation"; "bare calls")
+else
+    "", sideBySideTable("call"; "bare round trip")
+end

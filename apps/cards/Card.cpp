@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -18,6 +19,7 @@ constexpr int INVALID_NR_OF_TLVS = 0x06000000;
 
 constexpr std::size_t MAX_NAME_LENGTH = 32;
 constexpr std::size_t MAX_LOCATION_LENGTH = 64;
+constexpr std::size_t MAX_FAULTS_LENGTH = 256;
 
 template <typename Value>
 std::function<int(const boost::any&)> within(int lowest, int highest)
@@ -43,6 +45,15 @@ int checkLocation(const boost::any& value)
     return (boost::any_cast<buffer_t>(value).size() <= MAX_LOCATION_LENGTH) ? RESULT_OK : RESULT_TOO_LONG;
 }
 
+int checkFaults(const boost::any& value)
+{
+    const auto& text = boost::any_cast<const std::string&>(value);
+    if (text.size() > MAX_FAULTS_LENGTH) {
+        return RESULT_TOO_LONG;
+    }
+    return faultsOfText(text) ? RESULT_OK : RESULT_WRONG_VALUE;
+}
+
 in_addr addressOfSlot(std::uint32_t slot)
 {
     in_addr address = {};
@@ -57,6 +68,11 @@ void addConstant(CardObjects& objects, std::uint32_t oid, OidValueType type, con
     objects[oid] = {type, [value] { return value; }, nullptr, nullptr};
 }
 
+double steadySeconds()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
 Card::Card(std::uint32_t slot, const std::string& source, CardObjects sourceObjects)
     : m_slot(slot), m_objects(std::move(sourceObjects))
 {
@@ -68,15 +84,10 @@ void Card::addOwnObjects(std::uint32_t slot, const std::string& source)
     using namespace oids;
     constexpr unsigned long long LOCALLY_ADMINISTERED = 0x020000000000;
     addConstant(m_objects, CARD_SLOT, OID_TYPE_UINT8, static_cast<unsigned char>(slot));
-    addConstant(m_objects, CARD_SOURCE, OID_TYPE_STRING, source);
+    addConstant(m_objects, CARD_SOURCE, OID_TYPE_STRING, source.substr(0, MAX_TEXT_LENGTH));
     addConstant(m_objects, CARD_MAC, OID_TYPE_MAC_ADDRESS, LOCALLY_ADMINISTERED + slot);
-    m_objects[CARD_UPTIME] = {
-        OID_TYPE_UINT32,
-        [this] {
-            const auto uptime = std::chrono::steady_clock::now() - m_start;
-            return static_cast<unsigned int>(std::chrono::duration_cast<std::chrono::seconds>(uptime).count());
-        },
-        nullptr, nullptr};
+    m_objects[CARD_UPTIME] = {OID_TYPE_UINT32, [this] { return static_cast<unsigned int>(steadySeconds() - m_start); },
+                              nullptr, nullptr};
     m_objects[CARD_READS] = {OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_reads); }, nullptr,
                              nullptr};
     m_objects[CARD_WRITES] = {OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_writes); }, nullptr,
@@ -96,10 +107,7 @@ void Card::addOwnObjects(std::uint32_t slot, const std::string& source)
         return boost::any_cast<bool>(m_objects.at(CARD_ENABLED).read()) ? RESULT_OK : RESULT_CANNOT_EXEC;
     });
     m_objects[CARD_FAULT] = {
-        OID_TYPE_STRING, [this] { return m_faults.text; },
-        [](const boost::any& value) {
-            return faultsOfText(boost::any_cast<std::string>(value)) ? RESULT_OK : RESULT_WRONG_VALUE;
-        },
+        OID_TYPE_STRING, [this] { return m_faults.text; }, checkFaults,
         [this](const boost::any& value) { m_faults = *faultsOfText(boost::any_cast<std::string>(value)); }};
 }
 
@@ -132,22 +140,19 @@ Card::Answer Card::read(const buffer_t& request)
         }
         try {
             tlvs << valueElement(oid, object->second);
-        } catch (const std::length_error&) {
+        } catch (const std::length_error&) {  // the buffer is full
             return {obResult::MESSAGE_TOO_LARGE, buffer_t()};
         }
     }
     return {RESULT_OK, tlvs};
 }
 
-// Throws std::length_error if the value alone is more than a buffer holds.
-buffer_t Card::valueElement(std::uint32_t oid, const CardObject& object) const
+buffer_t Card::valueElement(std::uint32_t oid, const CardObject& object)
 {
     buffer_t stream;
-    if (!convertOidTypeValueContainerToTlvs({{oid, object.type, object.read()}}, stream)) {
-        throw std::length_error("value of an object");
-    }
     std::uint32_t count = 0;
     buffer_t element;
+    convertOidTypeValueContainerToTlvs({{oid, object.type, object.read()}}, stream);
     stream >> count >> element;
     return element;
 }

@@ -4,7 +4,6 @@
 // A card without its connection: takes request streams and makes answer streams and result codes of them. A request
 // that cannot be carried out wholly is refused wholly.
 
-#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -42,11 +41,11 @@ private:
     void addOwnObjects(std::uint32_t slot, const std::string& source);
     void addWritable(std::uint32_t oid, OidValueType type, const boost::any& initial,
                      const std::function<int(const boost::any&)>& check);
-    buffer_t valueElement(std::uint32_t oid, const CardObject& object) const;
+    static buffer_t valueElement(std::uint32_t oid, const CardObject& object);
     int checkWrite(const buffer_t& element, Write& write) const;
 
     const std::uint32_t m_slot;
-    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    const double m_start = steadySeconds();
     CardObjects m_objects;
     Faults m_faults;
     std::uint64_t m_reads = 0;

@@ -1,12 +1,9 @@
 #include "cards/CardClient.h"
 
 #include <algorithm>
-#include <iomanip>
 #include <optional>
-#include <sstream>
 
 #include "cards/OidTable.h"
-#include "cards/ReadPlan.h"
 #include "cards/ResultText.h"
 #include "cards/ValueText.h"
 #include "common/CommandLine.h"
@@ -28,29 +25,21 @@ CardClient::~CardClient()
     IcscClientProxy::deleteInstance();
 }
 
-Reading CardClient::read(const ObjectIdContainer& oids)
+// IcscClientProxy::getOidsSync would not tell a call that failed from an answer that is unsound.
+Reading CardClient::read(const ObjectIdContainer& oids, std::int32_t timeout)
 {
-    Reading reading;
-    for (const ObjectIdContainer& request : requestsFor(oids)) {
-        read(request, reading);
-    }
-    return reading;
-}
-
-void CardClient::read(const ObjectIdContainer& request, Reading& reading)
-{
-    OidTypeValueMap values;
-    const std::int32_t result = IcscClientProxy::getInstance().getOidsSync(m_slot, request, values);
-    if (result == 0) {
-        reading.values.merge(values);
-    } else if (const auto halves = halvesOf(request, result)) {
-        read(halves->first, reading);
-        read(halves->second, reading);
-    } else {
-        for (const std::uint32_t oid : request) {
-            reading.failures[oid] = result;
+    ReadPlan plan(m_slot, oids);
+    while (!plan.isDone()) {
+        buffer_t tlvs;
+        std::int32_t result = 0;
+        convertObjectIdContainerToTlvs(plan.request(), tlvs);
+        if (IcscClientProxy::getInstance().getSetOidsCommon(true, m_slot, timeout, tlvs, result)) {
+            plan.takeAnswer(result, tlvs);
+        } else {
+            plan.takeNoAnswer();
         }
     }
+    return plan.reading();
 }
 
 bool CardClient::startReading(const ObjectIdContainer& request)
@@ -61,10 +50,8 @@ bool CardClient::startReading(const ObjectIdContainer& request)
 std::int32_t CardClient::write(const OidTypeValueContainer& values, std::int32_t timeout)
 {
     buffer_t tlvs;
-    if (!convertOidTypeValueContainerToTlvs(values, tlvs)) {
-        throw CommandError("the value for " + nameOfOid(values.front().oid) + " does not fit into a request");
-    }
     std::int32_t result = 0;
+    convertOidTypeValueContainerToTlvs(values, tlvs);
     const bool isAnswered = IcscClientProxy::getInstance().getSetOidsCommon(false, m_slot, timeout, tlvs, result);
     return isAnswered ? result : NO_ANSWER;
 }
@@ -91,17 +78,4 @@ std::uint32_t oidOfArgument(const std::string& argument)
         throw CommandError("'" + argument + "' is neither a number nor the name of an object (brantel card objects)");
     }
     return pEntry->oid;
-}
-
-std::string nameOfOid(std::uint32_t oid)
-{
-    const OidEntry* const pEntry = findOid(oid);
-    return (pEntry == nullptr) ? numberOfOid(oid) : pEntry->name;
-}
-
-std::string numberOfOid(std::uint32_t oid)
-{
-    std::ostringstream text;
-    text << "0x" << std::hex << std::uppercase << std::setw(8) << std::setfill('0') << oid;
-    return text.str();
 }

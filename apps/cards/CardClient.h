@@ -5,21 +5,14 @@
 // line. One at a time.
 
 #include <cstdint>
-#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "IcscClientProxy.h"
+#include "cards/ReadPlan.h"
 #include "message/OBcomponent.h"
 
 class OBappsToICSC_1_0_PR;
-
-/// What became of the objects that were asked for: each is in one of the two.
-struct Reading {
-    OidTypeValueMap values;
-    std::map<std::uint32_t, std::int32_t> failures;  ///< result codes, or NO_ANSWER
-};
 
 class CardClient {
 public:
@@ -35,18 +28,16 @@ public:
 
     OBcomponent& component() { return m_component; }
 
-    /// In as many requests as it takes.
-    Reading read(const ObjectIdContainer& oids);
+    /// In as many requests as it takes, each of which the card may take `timeout` seconds for.
+    Reading read(const ObjectIdContainer& oids, std::int32_t timeout);
 
     /// Sends one request to read; false if it could not be sent.
     bool startReading(const ObjectIdContainer& request);
 
-    /// Writes in one request. Returns the result code, or NO_ANSWER. Throws CommandError if the values do not fit.
+    /// Writes values that fit into one request. Returns the result code, or NO_ANSWER.
     std::int32_t write(const OidTypeValueContainer& values, std::int32_t timeout);
 
 private:
-    void read(const ObjectIdContainer& request, Reading& reading);
-
     const std::uint32_t m_slot;
     OBcomponent m_component{"brantel"};
 };
@@ -54,11 +45,5 @@ private:
 /// The OIDs that the command line names, by number or by name, each once. Throws CommandError.
 ObjectIdContainer oidsOfArguments(const std::vector<std::string>& arguments);
 std::uint32_t oidOfArgument(const std::string& argument);
-
-/// The name in the table of objects; the number for an object that it does not have.
-std::string nameOfOid(std::uint32_t oid);
-
-/// Eight digits, with 0x.
-std::string numberOfOid(std::uint32_t oid);
 
 #endif

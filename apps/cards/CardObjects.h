@@ -4,6 +4,7 @@
 // What a card is made of: its objects by OID, each able to tell its value and, if it is writable, to check and take
 // one. The functions below add the objects of one source each.
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -23,6 +24,9 @@ enum CardResult : int {
     RESULT_CANNOT_EXEC = 12
 };
 
+/// The longest string of an object, in bytes: two of them fit into an answer.
+constexpr std::size_t MAX_TEXT_LENGTH = 1000;
+
 struct CardObject {
     OidValueType type;
     std::function<boost::any()> read;
@@ -34,6 +38,12 @@ using CardObjects = std::map<std::uint32_t, CardObject>;
 
 /// An object that does not change.
 void addConstant(CardObjects& objects, std::uint32_t oid, OidValueType type, const boost::any& value);
+
+/// Seconds since some moment, for values that change with time.
+using SecondsClock = std::function<double()>;
+
+/// The clock that only goes forward.
+double steadySeconds();
 
 /// Live counters of this host.
 void addHostObjects(CardObjects& objects);
@@ -48,9 +58,9 @@ struct CsvReplay {
 
 /// The columns of a recording, replayed from now on: by time again and again, stepped up to the last row. Throws
 /// CommandError if it cannot be read.
-void addCsvObjects(CardObjects& objects, const CsvReplay& replay);
+void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsClock& clock = steadySeconds);
 
-/// The signals of a description. Throws CommandError if it cannot be read.
-void addWaveObjects(CardObjects& objects, const std::string& file);
+/// The signals of a description, each at the start of its first period now. Throws CommandError if it cannot be read.
+void addWaveObjects(CardObjects& objects, const std::string& file, const SecondsClock& clock = steadySeconds);
 
 #endif

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -20,7 +19,7 @@ constexpr std::size_t MAX_ROWS = 1'000'000;
 // A recording is kept whole: it is replayed again and again.
 class Recording {
 public:
-    explicit Recording(const CsvReplay& replay) : m_replay(replay)
+    Recording(const CsvReplay& replay, const SecondsClock& clock) : m_replay(replay), m_clock(clock)
     {
         LineReader lines(replay.file);
         CsvReader reader(lines);
@@ -33,6 +32,7 @@ public:
             throw CommandError(replay.file + ": no rows after the header");
         }
         setDuration();
+        m_start = m_clock();
         setRowNumber(1);
     }
 
@@ -95,8 +95,7 @@ private:
 
     const Row& rowOfTime() const
     {
-        const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
-        const double position = std::fmod(elapsed * m_replay.speed, m_duration);
+        const double position = std::fmod((m_clock() - m_start) * m_replay.speed, m_duration);
         const auto after = std::upper_bound(m_rows.begin(), m_rows.end(), position,
                                             [](double seconds, const Row& row) { return seconds < row.seconds; });
         return (after == m_rows.begin()) ? *after : *(after - 1);
@@ -104,11 +103,16 @@ private:
 
     void addRow(CsvRow row)
     {
+        const std::string place = m_replay.file + ":" + std::to_string(row.line);
+        for (const std::string& field : row.fields) {
+            if (field.size() > MAX_TEXT_LENGTH) {
+                throw CommandError(place + ": a field is longer than " + std::to_string(MAX_TEXT_LENGTH) + " bytes");
+            }
+        }
         if (m_header.empty()) {
-            takeHeader(std::move(row.fields));
+            takeHeader(std::move(row.fields), place);
             return;
         }
-        const std::string place = m_replay.file + ":" + std::to_string(row.line);
         if (row.fields.size() != m_header.size()) {
             throw CommandError(place + ": " + std::to_string(row.fields.size()) + " fields, but the header has " +
                                std::to_string(m_header.size()));
@@ -123,7 +127,7 @@ private:
         m_rows.push_back({seconds, std::move(row.fields)});
     }
 
-    void takeHeader(std::vector<std::string> fields)
+    void takeHeader(std::vector<std::string> fields, const std::string& place)
     {
         m_header = std::move(fields);
         const std::string wanted = m_replay.timeColumn.empty() ? "time" : m_replay.timeColumn;
@@ -131,10 +135,12 @@ private:
         if (column != m_header.end()) {
             m_timeColumn = static_cast<std::size_t>(column - m_header.begin());
         } else if (!m_replay.timeColumn.empty()) {
-            throw CommandError(m_replay.file + ": no column '" + m_replay.timeColumn + "'");
+            throw CommandError(place + ": no column '" + m_replay.timeColumn + "'");
         }
-        if (valueColumns().size() > oids::MAX_SIGNALS) {
-            throw CommandError(m_replay.file + ": more than " + std::to_string(oids::MAX_SIGNALS) + " columns");
+        const std::size_t nColumns = valueColumns().size();
+        if ((nColumns == 0) || (nColumns > oids::MAX_SIGNALS)) {
+            throw CommandError(place + ": " + std::to_string(nColumns) + " columns of values, not 1 to " +
+                               std::to_string(oids::MAX_SIGNALS));
         }
     }
 
@@ -164,14 +170,15 @@ private:
     static constexpr std::size_t NO_COLUMN = static_cast<std::size_t>(-1);
 
     const CsvReplay m_replay;
+    const SecondsClock m_clock;
     std::vector<std::string> m_header;
     std::size_t m_timeColumn = NO_COLUMN;
     double m_firstTime = 0;
     std::vector<Row> m_rows;
     double m_duration = 0;
+    double m_start = 0;
     std::size_t m_row = 0;
     std::vector<bool> m_isServed;  ///< the columns of that row
-    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
 void addRowObject(CardObjects& objects, const std::shared_ptr<Recording>& pRecording)
@@ -187,9 +194,9 @@ void addRowObject(CardObjects& objects, const std::shared_ptr<Recording>& pRecor
 
 }  // namespace
 
-void addCsvObjects(CardObjects& objects, const CsvReplay& replay)
+void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsClock& clock)
 {
-    const auto pRecording = std::make_shared<Recording>(replay);
+    const auto pRecording = std::make_shared<Recording>(replay, clock);
     std::uint32_t index = 0;
     for (const std::size_t column : pRecording->valueColumns()) {
         const OidValueType type = pRecording->typeOf(column);

@@ -1,6 +1,5 @@
 #include "cards/Faults.h"
 
-#include <cmath>
 #include <cstdlib>
 #include <sstream>
 #include <vector>

@@ -23,6 +23,11 @@
 
 #include "message/buffer_t.h"
 
+/// As they are written, for messages.
+constexpr const char* FAULT_NAMES =
+    "delay=SECONDS, silence, no-answer, result=CODE, duplicate-oid, missing-oid, foreign-oid, wrong-count, "
+    "wrong-type[=CODE] and truncated";
+
 struct Faults {
     std::string text;  ///< as they were written
     std::optional<double> delay;
@@ -40,7 +45,8 @@ struct Faults {
 /// Nothing if the text is no list of faults; the empty text is the list of none.
 std::optional<Faults> faultsOfText(const std::string& text);
 
-/// The stream of values, which must be a sound one, with the faults that concern it.
+/// The stream of values, which must be a sound one, with the faults that concern it. No value may be larger than
+/// objects have (MAX_TEXT_LENGTH).
 buffer_t spoiltStream(const Faults& faults, const buffer_t& tlvs);
 
 #endif

@@ -1,6 +1,8 @@
 #include "cards/OidTable.h"
 
 #include <algorithm>
+#include <iomanip>
+#include <sstream>
 
 namespace {
 
@@ -38,7 +40,7 @@ std::vector<OidEntry> makeTable()
         {CARD_SELF_TEST, "card.self-test", OID_TYPE_BOOL, WRITABLE, "write true to test; not while disabled"},
         {CARD_FAULT, "card.fault", OID_TYPE_STRING, WRITABLE, "the faults in force, none if empty"},
 
-        {HOST_NAME, "host.name", OID_TYPE_STRING, READ_ONLY, ""},
+        {HOST_NAME, "host.name", OID_TYPE_STRING, READ_ONLY, "the host's own name"},
         {HOST_UPTIME, "host.uptime", OID_TYPE_UINT32, READ_ONLY, "seconds since the host started"},
         {CPU_COUNT, "cpu.count", OID_TYPE_UINT16, READ_ONLY, "processors that are online"},
         {CPU_BUSY, "cpu.busy", OID_TYPE_UINT8, READ_ONLY, "percent, over the last second or so"},
@@ -100,4 +102,17 @@ const OidEntry* findOid(std::uint32_t oid)
 const OidEntry* findOid(const std::string& name)
 {
     return findEntry([&name](const OidEntry& entry) { return entry.name == name; });
+}
+
+std::string nameOfOid(std::uint32_t oid)
+{
+    const OidEntry* const pEntry = findOid(oid);
+    return (pEntry == nullptr) ? numberOfOid(oid) : pEntry->name;
+}
+
+std::string numberOfOid(std::uint32_t oid)
+{
+    std::ostringstream text;
+    text << "0x" << std::hex << std::uppercase << std::setw(8) << std::setfill('0') << oid;
+    return text.str();
 }

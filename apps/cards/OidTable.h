@@ -93,4 +93,10 @@ const std::vector<OidEntry>& oidTable();
 const OidEntry* findOid(std::uint32_t oid);
 const OidEntry* findOid(const std::string& name);
 
+/// The name in the table; the number for an object that it does not have.
+std::string nameOfOid(std::uint32_t oid);
+
+/// Eight digits, with 0x.
+std::string numberOfOid(std::uint32_t oid);
+
 #endif

@@ -3,14 +3,14 @@
 #include <cstddef>
 
 #include "cards/OidTable.h"
+#include "cards/ResultText.h"
 #include "message/OBresult.h"
 
 namespace {
 
 constexpr std::size_t COUNT_SIZE = 4;
-constexpr std::size_t OID_ELEMENT_SIZE = 4 + 4;       // length, OID
 constexpr std::size_t VALUE_HEADER_SIZE = 4 + 4 + 1;  // length, OID, type code
-constexpr std::size_t LARGEST_INTEGER_SIZE = 8;
+constexpr std::size_t LARGEST_NUMBER_SIZE = 4 + 6;    // a MAC address: length, bytes
 constexpr std::size_t LIKELY_TEXT_SIZE = 4 + 64;
 
 constexpr std::uint32_t LAST_CARD_RESULT = 0x00FFFFFF;
@@ -19,58 +19,86 @@ std::size_t likelyAnswerSize(std::uint32_t oid)
 {
     const OidEntry* const pEntry = findOid(oid);
     const bool isText = (pEntry != nullptr) && ((pEntry->type == OID_TYPE_STRING) || (pEntry->type == OID_TYPE_BUFFER));
-    return VALUE_HEADER_SIZE + (isText ? LIKELY_TEXT_SIZE : LARGEST_INTEGER_SIZE);
+    return VALUE_HEADER_SIZE + (isText ? LIKELY_TEXT_SIZE : LARGEST_NUMBER_SIZE);
 }
 
-std::size_t encodedSize(const OidTypeValueContainer& values)
+// Whether fewer objects in one request may fare better.
+bool isWorthHalving(const ObjectIdContainer& request, std::int32_t result)
 {
-    buffer_t tlvs;
-    return convertOidTypeValueContainerToTlvs(values, tlvs) ? tlvs.size() : buffer_t::CAPACITY;
+    const bool isCardResult = static_cast<std::uint32_t>(result) <= LAST_CARD_RESULT;
+    return (request.size() > 1) && (isCardResult || (result == obResult::MESSAGE_TOO_LARGE));
 }
 
 }  // namespace
 
-std::vector<ObjectIdContainer> requestsFor(const ObjectIdContainer& oids)
+ReadPlan::ReadPlan(std::uint32_t slot, const ObjectIdContainer& oids) : m_slot(slot)
 {
-    std::vector<ObjectIdContainer> requests;
-    std::size_t requestSize = 0;
     std::size_t answerSize = 0;
     for (const std::uint32_t oid : oids) {
-        requestSize += OID_ELEMENT_SIZE;
         answerSize += likelyAnswerSize(oid);
-        if (requests.empty() || (requestSize > buffer_t::CAPACITY) || (answerSize > buffer_t::CAPACITY)) {
-            requests.emplace_back();
-            requestSize = COUNT_SIZE + OID_ELEMENT_SIZE;
+        if (m_requests.empty() || (answerSize > buffer_t::CAPACITY)) {
+            m_requests.emplace_back();
             answerSize = COUNT_SIZE + likelyAnswerSize(oid);
         }
-        requests.back().push_back(oid);
+        m_requests.back().push_back(oid);
     }
-    return requests;
 }
 
-std::optional<std::pair<ObjectIdContainer, ObjectIdContainer>> halvesOf(const ObjectIdContainer& request,
-                                                                        std::int32_t result)
+void ReadPlan::takeAnswer(std::int32_t result, const buffer_t& tlvs)
 {
-    const bool isCardResult = static_cast<std::uint32_t>(result) <= LAST_CARD_RESULT;
-    if ((request.size() < 2) || (!isCardResult && (result != obResult::MESSAGE_TOO_LARGE))) {
-        return std::nullopt;
+    if (result == obResult::TIMEOUT) {
+        failAll(result);
+        return;
     }
+    const ObjectIdContainer request = takeRequest();
+    if (result == 0) {
+        takeValues(request, tlvs);
+    } else if (isWorthHalving(request, result)) {
+        putHalvesBack(request);
+    } else {
+        fail(request, result);
+    }
+}
+
+void ReadPlan::takeNoAnswer()
+{
+    failAll(NO_ANSWER);
+}
+
+ObjectIdContainer ReadPlan::takeRequest()
+{
+    ObjectIdContainer request = m_requests.front();
+    m_requests.pop_front();
+    return request;
+}
+
+void ReadPlan::takeValues(const ObjectIdContainer& request, const buffer_t& tlvs)
+{
+    OidTypeValueMap values;
+    if (convertTlvsToOidTypeValueMap(m_slot, tlvs, values, &request)) {
+        m_reading.values.merge(values);
+    } else {
+        fail(request, UNSOUND_ANSWER);
+    }
+}
+
+void ReadPlan::putHalvesBack(const ObjectIdContainer& request)
+{
     const auto middle = request.begin() + static_cast<std::ptrdiff_t>(request.size() / 2);
-    return std::make_pair(ObjectIdContainer(request.begin(), middle), ObjectIdContainer(middle, request.end()));
+    m_requests.emplace_front(middle, request.end());
+    m_requests.emplace_front(request.begin(), middle);
 }
 
-std::vector<OidTypeValueContainer> requestsFor(const OidTypeValueContainer& values)
+void ReadPlan::fail(const ObjectIdContainer& request, std::int32_t result)
 {
-    std::vector<OidTypeValueContainer> requests;
-    std::size_t requestSize = 0;
-    for (const OidTypeValue& value : values) {
-        const std::size_t size = encodedSize({value}) - COUNT_SIZE;
-        requestSize += size;
-        if (requests.empty() || (requestSize > buffer_t::CAPACITY)) {
-            requests.emplace_back();
-            requestSize = COUNT_SIZE + size;
-        }
-        requests.back().push_back(value);
+    for (const std::uint32_t oid : request) {
+        m_reading.failures[oid] = result;
     }
-    return requests;
+}
+
+void ReadPlan::failAll(std::int32_t result)
+{
+    while (!isDone()) {
+        fail(takeRequest(), result);
+    }
 }

@@ -1,26 +1,60 @@
 #ifndef APPS_CARDS_READ_PLAN_H
 #define APPS_CARDS_READ_PLAN_H
 
-// How a list of OIDs is split over requests: as few as the 2048 bytes of a request and, as far as sizes are known, of
-// its answer allow. A card refuses a request as a whole; one that it refuses for an answer too large, or for an object,
-// is halved until what fails stands alone.
+// Reading many objects with requests and answers of 2048 bytes: as few requests as the bytes of their answers allow, as
+// far as these are known; a request is smaller than its answer. A card refuses a request as a whole; one that it
+// refuses for an answer too large, or for an object, is halved until what fails stands alone.
+//
+//     ReadPlan plan(slot, oids);
+//     while (!plan.isDone()) {
+//         ...                              // ask for plan.request()
+//         plan.takeAnswer(result, tlvs);   // or plan.takeNoAnswer()
+//     }
 
 #include <cstdint>
-#include <optional>
-#include <utility>
-#include <vector>
+#include <deque>
+#include <map>
 
 #include "IfcCardStatusAndControl.h"
 
-/// The requests for these OIDs, in order. `oids` must not hold an OID twice.
-std::vector<ObjectIdContainer> requestsFor(const ObjectIdContainer& oids);
+/// What became of the objects that were asked for: each is in one of the two.
+struct Reading {
+    OidTypeValueMap values;
+    std::map<std::uint32_t, std::int32_t> failures;  ///< result codes, NO_ANSWER or UNSOUND_ANSWER
+};
 
-/// The halves of a request that was answered `result`; nothing if halving it cannot help.
-std::optional<std::pair<ObjectIdContainer, ObjectIdContainer>> halvesOf(const ObjectIdContainer& request,
-                                                                        std::int32_t result);
+class ReadPlan {
+public:
+    /// `oids` must not hold an OID twice.
+    ReadPlan(std::uint32_t slot, const ObjectIdContainer& oids);
 
-/// The requests to write these values, in order, each as large as 2048 bytes allow. A value that fits into no request
-/// stands alone.
-std::vector<OidTypeValueContainer> requestsFor(const OidTypeValueContainer& values);
+    /// Adds an object, which the plan does not have, as a request of its own: one that the card may refuse.
+    void addApart(std::uint32_t oid) { m_requests.push_back({oid}); }
+
+    bool isDone() const { return m_requests.empty(); }
+
+    /// What to ask for next; not if all is done.
+    const ObjectIdContainer& request() const { return m_requests.front(); }
+
+    /// The answer to request(). After the result TIMEOUT nothing more is to be asked.
+    void takeAnswer(std::int32_t result, const buffer_t& tlvs);
+
+    /// The call failed: nothing more is to be asked.
+    void takeNoAnswer();
+
+    /// Complete when all is done.
+    const Reading& reading() const { return m_reading; }
+
+private:
+    ObjectIdContainer takeRequest();
+    void takeValues(const ObjectIdContainer& request, const buffer_t& tlvs);
+    void putHalvesBack(const ObjectIdContainer& request);
+    void fail(const ObjectIdContainer& request, std::int32_t result);
+    void failAll(std::int32_t result);
+
+    std::uint32_t m_slot;
+    std::deque<ObjectIdContainer> m_requests;
+    Reading m_reading;
+};
 
 #endif

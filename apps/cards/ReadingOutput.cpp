@@ -1,36 +1,9 @@
 #include "cards/ReadingOutput.h"
 
-#include <algorithm>
-#include <cstddef>
-
 #include "cards/ResultText.h"
 #include "cards/ValueText.h"
-#include "common/ResultOutput.h"
 
 using Json = nlohmann::ordered_json;
-
-std::vector<std::string> alignedLines(const std::vector<std::vector<std::string>>& rows)
-{
-    std::vector<std::size_t> widths;
-    for (const std::vector<std::string>& row : rows) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t column = 0; column + 1 < row.size(); ++column) {
-            widths[column] = std::max(widths[column], characterCount(row[column], row[column].size()));
-        }
-    }
-    std::vector<std::string> lines;
-    for (const std::vector<std::string>& row : rows) {
-        std::string line;
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            line += row[column];
-            if (column + 1 < row.size()) {
-                line.append(widths[column] - characterCount(row[column], row[column].size()) + 2, ' ');
-            }
-        }
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 Json jsonOfValue(const TypeValueRecord& record)
 {

@@ -5,12 +5,8 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
 #include "cards/CardClient.h"
-
-/// Lines of cells, each column as wide as its widest cell; the last cell of a line is not padded.
-std::vector<std::string> alignedLines(const std::vector<std::vector<std::string>>& rows);
 
 nlohmann::ordered_json jsonOfValue(const TypeValueRecord& record);
 

@@ -41,7 +41,10 @@ const ResultText CARD_RESULTS[] = {
 ResultText resultTextOf(std::int32_t code)
 {
     if (code == NO_ANSWER) {
-        return {"no answer", "nobody serves the slot, nothing came back in time, or it was no sound answer"};
+        return {"no answer", "nobody serves the slot, or nothing came back in time"};
+    }
+    if (code == UNSOUND_ANSWER) {
+        return {"unsound answer", "the card sent something else than the values that were asked for"};
     }
     const std::uint32_t generalResult = static_cast<std::uint32_t>(code) >> 24U;
     const std::uint32_t cardResult = static_cast<std::uint32_t>(code) & 0x00FFFFFFU;
@@ -58,7 +61,7 @@ std::string describeResult(std::int32_t code)
 {
     const ResultText text = resultTextOf(code);
     std::ostringstream line;
-    if (code != NO_ANSWER) {
+    if ((code != NO_ANSWER) && (code != UNSOUND_ANSWER)) {
         line << std::dec << code << "=0x" << std::hex << static_cast<std::uint32_t>(code) << '=';
     }
     line << text.name << ": " << text.meaning;

@@ -4,8 +4,9 @@
 #include <cstdint>
 #include <string>
 
-/// A call that brought no answer at all, in place of a result code.
-constexpr std::int32_t NO_ANSWER = -1;
+// In place of a result code:
+constexpr std::int32_t NO_ANSWER = -1;       ///< the call failed
+constexpr std::int32_t UNSOUND_ANSWER = -2;  ///< the answer is no stream of the values that were asked for
 
 struct ResultText {
     std::string name;

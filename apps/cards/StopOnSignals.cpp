@@ -17,6 +17,7 @@ void handleSignals(void (*handler)(int))
 {
     struct sigaction action = {};
     action.sa_handler = handler;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
     for (const int signal : SIGNALS) {
         ::sigaction(signal, &action, nullptr);
     }

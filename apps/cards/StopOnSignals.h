@@ -1,7 +1,8 @@
 #ifndef APPS_CARDS_STOP_ON_SIGNALS_H
 #define APPS_CARDS_STOP_ON_SIGNALS_H
 
-// While one lives, SIGINT and SIGTERM stop a component. One at a time.
+// While one lives, the first SIGINT or SIGTERM stops a component, and the next of its kind ends the process: a
+// component that is waiting in a call cannot stop at once. One at a time.
 
 #include "message/OBcomponent.h"
 

@@ -143,6 +143,15 @@ std::string nameOfType(OidValueType type)
     return (pEntry == std::end(TYPE_NAMES)) ? "type " + std::to_string(type) : pEntry->name;
 }
 
+std::string namesOfTypes()
+{
+    std::string names;
+    for (const TypeName& entry : TYPE_NAMES) {
+        names += (names.empty() ? "" : " ") + std::string(entry.name);
+    }
+    return names;
+}
+
 std::optional<OidValueType> typeOfName(const std::string& name)
 {
     const auto* const pEntry = std::find_if(std::begin(TYPE_NAMES), std::end(TYPE_NAMES),

@@ -18,6 +18,9 @@
 /// "uint64", ..., "mac".
 std::string nameOfType(OidValueType type);
 
+/// All of them, separated by blanks.
+std::string namesOfTypes();
+
 /// Nothing for any other text.
 std::optional<OidValueType> typeOfName(const std::string& name);
 

@@ -1,9 +1,12 @@
-#include <chrono>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <fstream>
 #include <limits>
 #include <random>
 #include <string>
+#include <system_error>
+#include <vector>
 
 #include <yaml-cpp/yaml.h>
 
@@ -15,6 +18,10 @@
 namespace {
 
 enum class Shape { Constant, Sine, Square, Triangle, Sawtooth, Noise };
+
+constexpr std::size_t MAX_NAME_LENGTH = 64;
+constexpr double SHORTEST_PERIOD = 0.001;
+constexpr double LONGEST_PERIOD = 1e6;
 
 struct Signal {
     std::string name;
@@ -55,6 +62,12 @@ Limits limitsOf(OidValueType type)
     }
 }
 
+// False for what is no number, too.
+bool isWithin(double value, double lowest, double highest)
+{
+    return (value >= lowest) && (value <= highest);
+}
+
 bool isNumeric(OidValueType type)
 {
     return (type >= OID_TYPE_UINT64) && (type <= OID_TYPE_BOOL);
@@ -91,7 +104,11 @@ public:
     std::vector<Signal> signals() const
     {
         try {
-            const YAML::Node list = YAML::LoadFile(m_file)["signals"];
+            std::ifstream text(m_file);
+            if (!text) {
+                throw CommandError("cannot read " + m_file + ": " + std::generic_category().message(errno));
+            }
+            const YAML::Node list = YAML::Load(text)["signals"];
             if (!list.IsSequence() || (list.size() == 0) || (list.size() > oids::MAX_SIGNALS)) {
                 throw CommandError(m_file + ": 'signals' is not a list of 1 to " + std::to_string(oids::MAX_SIGNALS));
             }
@@ -101,13 +118,16 @@ public:
             }
             return result;
         } catch (const YAML::Exception& error) {
-            throw CommandError(m_file + ": " + error.what());
+            throw CommandError(m_file + placeOf(error.mark) + ": " + error.msg);
         }
     }
 
 private:
     Signal signalOf(const YAML::Node& node) const
     {
+        if (!node.IsMap()) {
+            throwAt(node, "a signal is written {name: ..., type: ..., ...}");
+        }
         Signal signal;
         for (const auto& field : node) {
             takeField(field.first.as<std::string>(), field.second, signal);
@@ -117,10 +137,15 @@ private:
             signal.high = signal.low;
         }
         const bool isInRange =
-            (signal.low >= limits.lowest) && (signal.high >= signal.low) && (signal.high <= limits.highest);
-        if (signal.name.empty() || !isInRange || !(signal.period > 0) || !std::isfinite(signal.period) ||
-            !std::isfinite(signal.phase)) {
-            throwAt(node, "a signal needs a name, low and high in order and within its type, and a period above 0");
+            isWithin(signal.low, limits.lowest, limits.highest) && isWithin(signal.high, signal.low, limits.highest);
+        if (signal.name.empty() || (signal.name.size() > MAX_NAME_LENGTH)) {
+            throwAt(node, "a signal needs a name of 1 to " + std::to_string(MAX_NAME_LENGTH) + " characters");
+        }
+        if (!isInRange) {
+            throwAt(node, "low and high are not in order, or not within the type");
+        }
+        if (!isWithin(signal.period, SHORTEST_PERIOD, LONGEST_PERIOD) || !isWithin(signal.phase, 0, 1)) {
+            throwAt(node, "the period is not from 0.001 to 1000000 seconds, or the phase not from 0 to 1");
         }
         return signal;
     }
@@ -174,7 +199,12 @@ private:
 
     [[noreturn]] void throwAt(const YAML::Node& node, const std::string& what) const
     {
-        throw CommandError(m_file + ":" + std::to_string(node.Mark().line + 1) + ": " + what);
+        throw CommandError(m_file + placeOf(node.Mark()) + ": " + what);
+    }
+
+    static std::string placeOf(const YAML::Mark& mark)
+    {
+        return mark.is_null() ? "" : ":" + std::to_string(mark.line + 1) + ":" + std::to_string(mark.column + 1);
     }
 
     std::string m_file;
@@ -182,19 +212,14 @@ private:
 
 }  // namespace
 
-void addWaveObjects(CardObjects& objects, const std::string& file)
+void addWaveObjects(CardObjects& objects, const std::string& file, const SecondsClock& clock)
 {
-    const auto start = std::chrono::steady_clock::now();
-    std::uint32_t index = 0;
-    for (const Signal& signal : DescriptionReader(file).signals()) {
-        objects[oids::WAVE_SIGNAL + index] = {signal.type,
-                                              [signal, start] {
-                                                  const std::chrono::duration<double> elapsed =
-                                                      std::chrono::steady_clock::now() - start;
-                                                  return valueOf(signal, elapsed.count());
-                                              },
-                                              nullptr, nullptr};
-        addConstant(objects, oids::WAVE_LABEL + index, OID_TYPE_STRING, signal.name);
-        ++index;
+    const std::vector<Signal> signals = DescriptionReader(file).signals();
+    const double start = clock();
+    for (std::uint32_t i = 0; i < signals.size(); ++i) {
+        const Signal& signal = signals[i];
+        objects[oids::WAVE_SIGNAL + i] = {
+            signal.type, [signal, start, clock] { return valueOf(signal, clock() - start); }, nullptr, nullptr};
+        addConstant(objects, oids::WAVE_LABEL + i, OID_TYPE_STRING, signal.name);
     }
 }

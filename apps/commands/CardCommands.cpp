@@ -18,6 +18,7 @@ constexpr int LAST_SLOT = 9;
 constexpr double SHORTEST_INTERVAL = 0.001;
 constexpr double LONGEST_INTERVAL = 86400;
 constexpr int LONGEST_TIMEOUT = 3600;
+constexpr int MOST_READINGS = 1'000'000'000;
 
 constexpr const char* CARD_EXAMPLES =
     R"(Serves both ICSC interfaces of the slot until SIGINT or SIGTERM. docs/cards.md tells objects, sources and faults.
@@ -81,6 +82,14 @@ void addSlot(CLI::App& command, std::uint32_t& slot)
 void addJson(CLI::App& command, bool& isJson)
 {
     command.add_flag("--json", isJson, "One JSON object a line");
+}
+
+void addTimeout(CLI::App& command, std::int32_t& timeout)
+{
+    command.add_option("--timeout", timeout, "Seconds that the card may take for each request")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1, LONGEST_TIMEOUT))
+        ->capture_default_str();
 }
 
 ExitCode createKeys(const std::string& file)
@@ -156,6 +165,7 @@ void addGet(CLI::App& app, Invocation& invocation)
     get->footer(GET_EXAMPLES);
     addSlot(*get, options->slot);
     get->add_option("oids", options->oids, "Objects to read")->required()->type_name("OID");
+    addTimeout(*get, options->timeout);
     addJson(*get, options->isJson);
     get->callback([options, &invocation] { invocation.run = [options] { return getObjects(*options); }; });
 }
@@ -167,10 +177,7 @@ void addSet(CLI::App& app, Invocation& invocation)
     set->footer(SET_EXAMPLES);
     addSlot(*set, options->slot);
     set->add_option("values", options->assignments, "Values to write")->required()->type_name("OID=TYPE:VALUE");
-    set->add_option("--timeout", options->timeout, "Seconds that the card may take")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(1, LONGEST_TIMEOUT))
-        ->capture_default_str();
+    addTimeout(*set, options->timeout);
     addJson(*set, options->isJson);
     set->callback([options, &invocation] { invocation.run = [options] { return setObjects(*options); }; });
 }
@@ -188,7 +195,7 @@ void addWatch(CLI::App& app, Invocation& invocation)
         ->capture_default_str();
     watch->add_option("--count", options->count, "End after so many readings")
         ->type_name("N")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1, MOST_READINGS));
     addJson(*watch, options->isJson);
     watch->callback([options, &invocation] { invocation.run = [options] { return watchObjects(*options); }; });
 }

@@ -1,10 +1,12 @@
 #include "commands/CardGet.h"
 
 #include "cards/CardClient.h"
+#include "cards/OidTable.h"
 #include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
 #include "cards/ValueText.h"
 #include "common/ResultOutput.h"
+#include "common/TextTable.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -27,20 +29,19 @@ void tellJson(std::uint32_t slot, const ObjectIdContainer& oids, const Reading& 
 
 void tellTable(const ObjectIdContainer& oids, const Reading& reading, ResultOutput& output)
 {
-    std::vector<std::vector<std::string>> rows;
+    TextTable table(
+        {{"OID", Alignment::LEFT}, {"Name", Alignment::LEFT}, {"Type", Alignment::LEFT}, {"Value", Alignment::LEFT}});
     for (const std::uint32_t oid : oids) {
         const auto value = reading.values.find(oid);
         if (value != reading.values.end()) {
-            rows.push_back({numberOfOid(oid), nameOfOid(oid), nameOfType(value->second.type),
-                            printable(textOfValue(value->second.type, value->second.value))});
+            const auto& [type, any] = value->second;
+            table.addRow({numberOfOid(oid), nameOfOid(oid), nameOfType(type), textOfValue(type, any)});
         } else {
-            rows.push_back({numberOfOid(oid), nameOfOid(oid), "-",
-                            output.coloured(Colour::RED, "failed: " + describeResult(reading.failures.at(oid)))});
+            const std::string failure = "failed: " + describeResult(reading.failures.at(oid));
+            table.addRow({numberOfOid(oid), nameOfOid(oid), "-", failure}, Colour::RED);
         }
     }
-    for (const std::string& line : alignedLines(rows)) {
-        output.writeLine(line);
-    }
+    table.write(output);
 }
 
 }  // namespace
@@ -49,7 +50,7 @@ ExitCode getObjects(const CardGetOptions& options)
 {
     const ObjectIdContainer oids = oidsOfArguments(options.oids);
     CardClient client(options.slot);
-    const Reading reading = client.read(oids);
+    const Reading reading = client.read(oids, options.timeout);
     ResultOutput output;
     if (options.isJson) {
         tellJson(options.slot, oids, reading, output);

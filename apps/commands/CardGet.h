@@ -12,6 +12,7 @@
 struct CardGetOptions {
     std::uint32_t slot = 0;
     std::vector<std::string> oids;
+    std::int32_t timeout = 5;  ///< seconds
     bool isJson = false;
 };
 

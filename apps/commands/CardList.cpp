@@ -1,5 +1,6 @@
 #include "commands/CardList.h"
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "cards/ResultText.h"
 #include "cards/ValueText.h"
 #include "common/ResultOutput.h"
+#include "common/TextTable.h"
 #include "icsc/OBappsToICSC_1_0_P.h"
 #include "icsc/OBappsToICSC_1_0_PR.h"
 
@@ -60,7 +62,7 @@ private:
         m_isAnswered = true;
         m_result = result;
         if ((result == 0) && !convertTlvsToOidTypeValueMap(m_slot, tlvs, m_values, &DESCRIBING_OIDS)) {
-            m_result = NO_ANSWER;
+            m_result = UNSOUND_ANSWER;
         }
     }
 
@@ -97,17 +99,18 @@ void inquire(OBcomponent& component, const Inquiries& inquiries)
 std::string textOf(const SlotInquiry& inquiry, std::uint32_t oid)
 {
     const TypeValueRecord& record = inquiry.values().at(oid);
-    return printable(textOfValue(record.type, record.value));
+    return textOfValue(record.type, record.value);
 }
 
-std::vector<std::string> rowOf(const SlotInquiry& inquiry)
+void addRow(TextTable& table, const SlotInquiry& inquiry)
 {
-    const std::string slot = "slot " + std::to_string(inquiry.slot());
+    const std::string slot = std::to_string(inquiry.slot());
     if (inquiry.result() != 0) {
-        return {slot, "-", "-", describeResult(inquiry.result())};
+        table.addRow({slot, "-", "-", "failed: " + describeResult(inquiry.result())}, Colour::RED);
+    } else {
+        table.addRow({slot, textOf(inquiry, oids::CARD_UPTIME) + " s", textOf(inquiry, oids::CARD_NAME),
+                      textOf(inquiry, oids::CARD_SOURCE)});
     }
-    return {slot, textOf(inquiry, oids::CARD_NAME), textOf(inquiry, oids::CARD_SOURCE),
-            "up " + textOf(inquiry, oids::CARD_UPTIME) + " s"};
 }
 
 Json jsonOf(const SlotInquiry& inquiry)
@@ -122,6 +125,29 @@ Json jsonOf(const SlotInquiry& inquiry)
     return json;
 }
 
+void tellJson(const Inquiries& inquiries, ResultOutput& output)
+{
+    for (const auto& pInquiry : inquiries) {
+        if (pInquiry->isServed()) {
+            output.writeLine(lineOfJson(jsonOf(*pInquiry)));
+        }
+    }
+}
+
+void tellTable(const Inquiries& inquiries, ResultOutput& output)
+{
+    TextTable table({{"Slot", Alignment::RIGHT},
+                     {"Uptime", Alignment::RIGHT},
+                     {"Name", Alignment::LEFT},
+                     {"Source", Alignment::LEFT}});
+    for (const auto& pInquiry : inquiries) {
+        if (pInquiry->isServed()) {
+            addRow(table, *pInquiry);
+        }
+    }
+    table.write(output);
+}
+
 }  // namespace
 
 ExitCode listCards(bool isJson)
@@ -133,42 +159,43 @@ ExitCode listCards(bool isJson)
     }
     inquire(component, inquiries);
 
+    const auto isServed = [](const auto& pInquiry) { return pInquiry->isServed(); };
+    const bool isAnyServed = std::any_of(inquiries.begin(), inquiries.end(), isServed);
     ResultOutput output;
-    std::vector<std::vector<std::string>> rows;
-    for (const auto& pInquiry : inquiries) {
-        if (pInquiry->isServed() && isJson) {
-            output.writeLine(lineOfJson(jsonOf(*pInquiry)));
-        }
-        if (pInquiry->isServed()) {
-            rows.push_back(rowOf(*pInquiry));
-        }
-    }
-    for (const std::string& line : isJson ? std::vector<std::string>() : alignedLines(rows)) {
-        output.writeLine(line);
+    if (isJson) {
+        tellJson(inquiries, output);
+    } else if (isAnyServed) {
+        tellTable(inquiries, output);
+    } else {
+        output.writeLine("no slot is served");
     }
     output.finish();
-    return rows.empty() ? EXIT_NEGATIVE_ANSWER : EXIT_FINE;
+    return isAnyServed ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
 }
 
 ExitCode listObjects(bool isJson)
 {
     ResultOutput output;
-    std::vector<std::vector<std::string>> rows;
+    TextTable table({{"OID", Alignment::LEFT},
+                     {"Name", Alignment::LEFT},
+                     {"Type", Alignment::LEFT},
+                     {"Access", Alignment::LEFT},
+                     {"Meaning", Alignment::LEFT}});
     for (const OidEntry& entry : oidTable()) {
         const std::string type = entry.type ? nameOfType(*entry.type) : "any";
-        const std::string access = entry.isWritable ? "writable" : "read only";
-        rows.push_back({numberOfOid(entry.oid), entry.name, type, access, entry.meaning});
         if (isJson) {
-            const Json json = {{"oid", entry.oid},
-                               {"name", entry.name},
-                               {"type", type},
-                               {"writable", entry.isWritable},
-                               {"meaning", entry.meaning}};
-            output.writeLine(lineOfJson(json));
+            output.writeLine(lineOfJson({{"oid", entry.oid},
+                                         {"name", entry.name},
+                                         {"type", type},
+                                         {"writable", entry.isWritable},
+                                         {"meaning", entry.meaning}}));
+        } else {
+            const std::string access = entry.isWritable ? "writable" : "read only";
+            table.addRow({numberOfOid(entry.oid), entry.name, type, access, entry.meaning});
         }
     }
-    for (const std::string& line : isJson ? std::vector<std::string>() : alignedLines(rows)) {
-        output.writeLine(line);
+    if (!isJson) {
+        table.write(output);
     }
     output.finish();
     return EXIT_FINE;

@@ -35,7 +35,7 @@ ExitCode serveCard(const CardServeOptions& options)
 {
     const std::optional<Faults> faults = faultsOfText(options.faults);
     if (!faults) {
-        throw CommandError("'" + options.faults + "' is no list of faults (docs/cards.md)");
+        throw CommandError("'" + options.faults + "' is no list of faults, which are " + FAULT_NAMES);
     }
     Card card(options.slot, options.source, objectsOfSource(options));
     card.setFaults(*faults);

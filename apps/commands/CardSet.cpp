@@ -1,10 +1,11 @@
 #include "commands/CardSet.h"
 
 #include "cards/CardClient.h"
-#include "cards/ReadPlan.h"
+#include "cards/OidTable.h"
 #include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
 #include "cards/ValueText.h"
+#include "cards/WritePlan.h"
 #include "common/ResultOutput.h"
 
 using Json = nlohmann::ordered_json;
@@ -25,14 +26,18 @@ OidTypeValue valueOfAssignment(const std::string& assignment)
     const std::string typeName = assignment.substr(posEqual + 1, posColon - posEqual - 1);
     const std::optional<OidValueType> type = typeOfName(typeName);
     if (!type) {
-        throw CommandError("'" + typeName + "' is no type (docs/cards.md)");
+        throw CommandError("'" + assignment + "': '" + typeName + "' is none of the types " + namesOfTypes());
     }
     const std::string text = assignment.substr(posColon + 1);
     const std::optional<boost::any> value = valueOfText(*type, text);
     if (!value) {
-        throw CommandError("'" + text + "' is no " + typeName);
+        throw CommandError("'" + assignment + "': '" + text + "' is no " + typeName);
     }
-    return {oidOfArgument(assignment.substr(0, posEqual)), *type, *value};
+    const OidTypeValue result = {oidOfArgument(assignment.substr(0, posEqual)), *type, *value};
+    if (!fitsIntoRequest(result)) {
+        throw CommandError("the value for " + nameOfOid(result.oid) + " does not fit into a request of 2048 bytes");
+    }
+    return result;
 }
 
 std::string namesOf(const OidTypeValueContainer& values)
@@ -73,7 +78,7 @@ ExitCode setObjects(const CardSetOptions& options)
     CardClient client(options.slot);
     ResultOutput output;
     bool isAllWritten = true;
-    for (const OidTypeValueContainer& request : requestsFor(values)) {
+    for (const OidTypeValueContainer& request : writeRequests(values)) {
         const std::int32_t result = client.write(request, options.timeout);
         isAllWritten = (result == 0) || (result == DUPLICATE_MESSAGE) || (result == LOST_MESSAGE);
         if (options.isJson) {

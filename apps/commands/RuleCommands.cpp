@@ -28,7 +28,7 @@ Exit code: 0 the rule was evaluated, 1 the rule is refused, 2 misuse or unreadab
 
 Examples:
   printf '70\n85\n75\n60\n' | brantel rule eval 'expr=signed(hyshigh(65,80))'
-  brantel rule eval 'expr=unsigned(delta>=1000)' --input traffic.csv --column bytes --time-column time
+  brantel rule eval 'expr=unsigned(delta>=1000)' --input traffic.csv --column bytes --time-column hour
   brantel rule eval --all --json 'expr=signed(value<-10 or value>10)' --input samples.txt)";
 
 // CLI11 splits such an argument at its commas; what it would hand over is not the rule that was written.
@@ -69,7 +69,8 @@ void addEval(CLI::App& rule, Invocation& invocation)
         ->type_name("FILE");
     eval->add_option("--column", options->columns.sample, "Column of the samples, by name or by number from 1")
         ->type_name("NAME|N");
-    eval->add_option("--time-column", options->columns.time, "Column of their times: seconds, ISO 8601 or any text")
+    eval->add_option("--time-column", options->columns.time,
+                     "Column of their times; 'time' or 'timestamp', if there is one")
         ->type_name("NAME|N");
     eval->add_option("--on-error", options->onError, "What to do with a row without a usable sample: skip or fail")
         ->type_name("WHAT")

@@ -19,7 +19,7 @@ ProgressBar::ProgressBar(const std::string& unit, std::optional<std::size_t> tot
 ProgressBar::~ProgressBar()
 {
     if (m_isShown) {
-        std::fputs("\r\x1b[K", stderr);
+        static_cast<void>(std::fputs("\r\x1b[K", stderr));
     }
 }
 
@@ -34,13 +34,13 @@ void ProgressBar::step()
 void ProgressBar::draw()
 {
     m_nextDraw = std::chrono::steady_clock::now() + REDRAW_INTERVAL;
-    std::fputs(("\r" + progressText(m_done, m_total, m_unit) + "\x1b[K").c_str(), stderr);
-    std::fflush(stderr);
+    static_cast<void>(std::fputs(("\r" + progressText(m_done, m_total, m_unit) + "\x1b[K").c_str(), stderr));
+    static_cast<void>(std::fflush(stderr));
 }
 
 std::string progressText(std::size_t done, std::optional<std::size_t> total, const std::string& unit)
 {
-    const std::string count = std::to_string(done) + " " + unit;
+    std::string count = std::to_string(done) + " " + unit;
     if (!total || (*total == 0)) {
         return count;
     }

@@ -21,13 +21,13 @@ bool isRegularFile(int file)
 
 bool isSet(const char* variable)
 {
-    const char* const value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): there is one thread
+    const char* const value = std::getenv(variable);
     return (value != nullptr) && (*value != '\0');
 }
 
 bool isColourTerminal(int file)
 {
-    const char* const terminal = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe): there is one thread
+    const char* const terminal = std::getenv("TERM");
     return (isatty(file) != 0) && !isSet("NO_COLOR") && (terminal != nullptr) && (std::string(terminal) != "dumb");
 }
 
@@ -87,6 +87,11 @@ std::string printable(const std::string& text)
         }
     }
     return result;
+}
+
+std::string counted(std::uint64_t count, const std::string& noun)
+{
+    return std::to_string(count) + " " + noun + ((count == 1) ? "" : "s");
 }
 
 std::size_t characterCount(const std::string& text, std::size_t length)

@@ -5,6 +5,7 @@
 // a pipe sees each line when it happens.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 enum class Colour { GREEN, RED, DIM };
@@ -33,6 +34,9 @@ private:
 
 /// A text of unknown origin, fit for a terminal: every control character is shown as one visible character.
 std::string printable(const std::string& text);
+
+/// "1 sample", "2 samples".
+std::string counted(std::uint64_t count, const std::string& noun);
 
 /// How many characters the first `length` bytes of a UTF-8 text are.
 std::size_t characterCount(const std::string& text, std::size_t length);

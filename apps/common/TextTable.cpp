@@ -18,24 +18,35 @@ TextTable::TextTable(const std::vector<TextColumn>& columns) : m_columns(columns
     }
 }
 
-void TextTable::addRow(const std::vector<std::string>& texts)
+void TextTable::addRow(const std::vector<std::string>& texts, std::optional<Colour> colour)
 {
-    m_rows.emplace_back();
+    m_rows.push_back({{}, colour});
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        m_rows.back().push_back(printable(texts[i]));
+        m_rows.back().texts.push_back(printable(texts[i]));
         m_widths[i] = std::max(m_widths[i], widthOf(texts[i]));
     }
 }
 
-void TextTable::write(ResultOutput& output) const
+std::vector<std::string> TextTable::lines() const
 {
     std::vector<std::string> titles;
     for (const TextColumn& column : m_columns) {
         titles.push_back(column.title);
     }
-    output.writeLine(lineOf(titles));
-    for (const std::vector<std::string>& row : m_rows) {
-        output.writeLine(lineOf(row));
+    std::vector<std::string> lines = {lineOf(titles)};
+    for (const Row& row : m_rows) {
+        lines.push_back(lineOf(row.texts));
+    }
+    return lines;
+}
+
+void TextTable::write(ResultOutput& output) const
+{
+    const std::vector<std::string> texts = lines();
+    output.writeLine(texts.front());
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        const std::optional<Colour>& colour = m_rows[i].colour;
+        output.writeLine(colour ? output.coloured(*colour, texts[i + 1]) : texts[i + 1]);
     }
 }
 

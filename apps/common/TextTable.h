@@ -3,6 +3,7 @@
 
 // Rows of texts for a terminal, in columns as wide as what is in them.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,17 +21,25 @@ public:
     explicit TextTable(const std::vector<TextColumn>& columns);
 
     /// One text for each column; control characters are shown as by printable().
-    void addRow(const std::vector<std::string>& texts);
+    void addRow(const std::vector<std::string>& texts, std::optional<Colour> colour = std::nullopt);
 
-    /// Writes the titles and the rows.
+    /// The titles and the rows, without colours.
+    std::vector<std::string> lines() const;
+
+    /// Writes them.
     void write(ResultOutput& output) const;
 
 private:
+    struct Row {
+        std::vector<std::string> texts;
+        std::optional<Colour> colour;
+    };
+
     std::string lineOf(const std::vector<std::string>& texts) const;
 
     std::vector<TextColumn> m_columns;
     std::vector<std::size_t> m_widths;
-    std::vector<std::vector<std::string>> m_rows;
+    std::vector<Row> m_rows;
 };
 
 #endif

@@ -47,11 +47,6 @@ void setFailure(const Place& place, std::optional<std::uint32_t> oid, std::strin
     failure = reason;
 }
 
-std::string failureText(std::int32_t result)
-{
-    return (result == NO_ANSWER) ? "no sound answer" : describeResult(result);
-}
-
 // Why a rule that was followed is not in the book any more.
 std::string reasonOfAbsence(const RuleBook& book, const Place& place, std::uint32_t oid)
 {
@@ -166,7 +161,7 @@ void ConditionMonitor::takeReading(const Place& place, const Reading& reading, E
         return;
     }
     if (reading.values.empty() && !reading.failures.empty()) {
-        takeFailure(place, failureText(reading.failures.begin()->second), now, events);
+        takeFailure(place, describeResult(reading.failures.begin()->second), now, events);
         return;
     }
     setFailure(place, std::nullopt, found->second.failure, "", now, events);
@@ -193,7 +188,7 @@ std::string ConditionMonitor::takeValue(const Place& place, std::uint32_t oid, W
     if (value == reading.values.end()) {
         const auto failure = reading.failures.find(oid);
         // An object whose rule came while the reading was under way was not asked for.
-        return (failure == reading.failures.end()) ? object.failure : failureText(failure->second);
+        return (failure == reading.failures.end()) ? object.failure : describeResult(failure->second);
     }
     const std::optional<SampleValue> sample = sampleOfValue(value->second);
     if (!sample) {

@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-#include "cards/CardClient.h"
+#include "cards/ReadPlan.h"
 #include "monitor/Event.h"
 #include "monitor/RuleBook.h"
 #include "rules/RuleSession.h"

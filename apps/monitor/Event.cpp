@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "cards/CardClient.h"
+#include "cards/OidTable.h"
 #include "cards/ReadingOutput.h"
 #include "common/ResultOutput.h"
 

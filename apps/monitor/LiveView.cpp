@@ -6,7 +6,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "cards/ReadingOutput.h"
+#include "cards/OidTable.h"
+#include "common/TextTable.h"
 
 namespace {
 
@@ -87,11 +88,6 @@ std::string cutTo(const std::string& text, std::size_t width)
     return text.substr(0, length);
 }
 
-std::string counted(std::size_t count, const std::string& noun)
-{
-    return std::to_string(count) + " " + noun + ((count == 1) ? "" : "s");
-}
-
 std::string placeLine(const std::pair<const Place, WatchedPlace>& entry, const MonitorFigures& figures)
 {
     const auto& [place, watched] = entry;
@@ -136,7 +132,7 @@ std::vector<LiveView::Line> LiveView::linesOf(const ConditionMonitor& monitor, c
         lines.push_back(
             {placeLine(entry, figures), entry.second.failure.empty() ? std::nullopt : std::optional(Colour::RED)});
     }
-    constexpr std::size_t OTHER_LINES = 4;  // two empty ones, that about more rules, and where the cursor stays
+    constexpr std::size_t OTHER_LINES = 5;  // two empty ones, titles, that about more rules, and where the cursor stays
     const std::size_t reserved = lines.size() + m_lastEvents.size() + OTHER_LINES;
     lines.push_back({});
     addRules(lines, monitor, (height > reserved) ? height - reserved : 1);
@@ -150,12 +146,21 @@ std::vector<LiveView::Line> LiveView::linesOf(const ConditionMonitor& monitor, c
 void LiveView::addRules(std::vector<Line>& lines, const ConditionMonitor& monitor, std::size_t room) const
 {
     const RuleRows rules = ruleRows(monitor);
-    const std::vector<std::string> texts = alignedLines(rules.rows);
-    const std::size_t shown = std::min(room, texts.size());
+    const std::size_t shown = std::min(room, rules.rows.size());
+    TextTable table({{"Place", Alignment::LEFT},
+                     {"Object", Alignment::LEFT},
+                     {"Value", Alignment::RIGHT},
+                     {"State", Alignment::LEFT},
+                     {"Rule", Alignment::LEFT}});
     for (std::size_t i = 0; i < shown; ++i) {
-        lines.push_back({texts[i], (i < rules.urgent) ? std::optional(Colour::RED) : std::nullopt});
+        table.addRow(rules.rows[i]);
     }
-    if (shown < texts.size()) {
-        lines.push_back({"... and " + counted(texts.size() - shown, "more rule"), Colour::DIM});
+    const std::vector<std::string> texts = table.lines();
+    lines.push_back({texts.front(), Colour::DIM});
+    for (std::size_t i = 0; i < shown; ++i) {
+        lines.push_back({texts[i + 1], (i < rules.urgent) ? std::optional(Colour::RED) : std::nullopt});
+    }
+    if (shown < rules.rows.size()) {
+        lines.push_back({"... and " + counted(rules.rows.size() - shown, "more rule"), Colour::DIM});
     }
 }

@@ -14,9 +14,9 @@
 /// What a cycle's time goes into. All but WAIT is the monitor's own.
 enum class CyclePart {
     DATABASE,  ///< to look for changes, and to follow them
-    SEND,      ///< to encode and send requests
+    SEND,      ///< to begin readings: to encode and send the first requests
     WAIT,      ///< for answers
-    RECEIVE,   ///< to take answers from the framework, decoding left out
+    RECEIVE,   ///< to take answers from the framework and to send further requests, decoding left out
     DECODE,    ///< to decode them
     HOST,      ///< to read the host's own counters
     EVALUATE,  ///< to evaluate rules

@@ -154,7 +154,7 @@ void NodeMonitor::handleAnswers()
     const auto decodingTime = [&] {
         std::chrono::nanoseconds time{0};
         for (const auto& [number, slot] : m_slots) {
-            time += slot.slotReading().decodingTime();
+            time += slot.decodingTime();
         }
         return time;
     };
@@ -318,7 +318,7 @@ void NodeMonitor::endCycle()
     m_figures.evaluations = m_monitor.evaluations();
     m_figures.requests = 0;
     for (const auto& [number, slot] : m_slots) {
-        m_figures.requests += slot.slotReading().requestsSent();
+        m_figures.requests += slot.requestsSent();
     }
     writeMetrics();
     if ((m_pView != nullptr) && (m_figures.cycles > 0)) {

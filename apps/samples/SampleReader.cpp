@@ -1,6 +1,7 @@
 #include "samples/SampleReader.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <charconv>
 #include <system_error>
 
@@ -26,6 +27,14 @@ bool isHeader(const std::vector<std::string>& fields)
         }
     }
     return hasName;
+}
+
+std::optional<std::size_t> columnNamedTime(const std::vector<std::string>& names)
+{
+    const auto named = std::find_if(names.begin(), names.end(), [](const std::string& name) {
+        return boost::algorithm::iequals(name, "time") || boost::algorithm::iequals(name, "timestamp");
+    });
+    return (named != names.end()) ? std::optional<std::size_t>(named - names.begin()) : std::nullopt;
 }
 
 std::string listOf(const std::vector<std::string>& fields, bool areNames)
@@ -70,13 +79,20 @@ void SampleReader::chooseColumns(const CsvRow& firstRow)
     m_hasHeader = isHeader(firstRow.fields);
     if (!m_choice.time.empty()) {
         m_timeColumn = columnOf(m_choice.time, firstRow);
+    } else if (m_hasHeader && (m_columns > 1)) {
+        m_timeColumn = columnNamedTime(firstRow.fields);
     }
     if (!m_choice.sample.empty()) {
         m_sampleColumn = columnOf(m_choice.sample, firstRow);
+    } else if ((m_columns == 2) && m_timeColumn) {
+        m_sampleColumn = 1 - *m_timeColumn;
     } else if (m_columns > 1) {
         throw CommandError(
             m_inputName + ":" + std::to_string(firstRow.line) +
             ": there are several columns; choose one with --column: " + listOf(firstRow.fields, m_hasHeader));
+    }
+    if (m_choice.time.empty() && (m_timeColumn == m_sampleColumn)) {
+        m_timeColumn.reset();
     }
 }
 

@@ -15,8 +15,8 @@
 
 /// Which columns to read, each by the name in the header or by number from 1; empty if not given.
 struct ColumnChoice {
-    std::string sample;  ///< may only be left out if there is just one column
-    std::string time;    ///< left out: no time
+    std::string sample;  ///< may only be left out if there is just one column beside the time
+    std::string time;    ///< left out: the column that the header names "time" or "timestamp", in any case, if any
 };
 
 /// One row of data; it has either a value or a fault.

@@ -171,7 +171,8 @@ std::optional<RuleFault> faultOfStoredRule(const std::string& rule)
     vemorRules::RuleObject parsed;
     if (!vemorRules::isEmptyRule(rule)) {
         if (!vemorRules::parseRule(rule, &parsed)) {
-            return findFault(rule).value_or(RuleFault{wholeRule, "the parser refuses it", "compare it with a rule that is valid"});
+            return findFault(rule).value_or(
+                RuleFault{wholeRule, "the parser refuses it", "compare it with a rule that is valid"});
         }
         if (const std::optional<std::string> reason = reasonAgainstEvaluation(parsed)) {
             return RuleFault{wholeRule, *reason, "write a rule of one part"};

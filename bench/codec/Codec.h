@@ -24,8 +24,9 @@ public:
     /// Encodes `values`, which are of the types 0, 1, 5 and 9. False on failure.
     virtual bool encode(const OidTypeValueContainer& values) = 0;
 
-    /// Decodes into `values`, which is empty, what encode() made last. False on failure.
-    virtual bool decode(OidTypeValueMap& values) = 0;
+    /// Decodes into `values`, which is empty, what encode() made last, in answer to a request for `requestedOids`.
+    /// False on failure.
+    virtual bool decode(const ObjectIdContainer& requestedOids, OidTypeValueMap& values) = 0;
 
     /// Number of bytes that encode() made last.
     virtual std::size_t encodedSize() const = 0;

@@ -41,6 +41,15 @@ OidTypeValueContainer makeValues(std::uint32_t count)
     return values;
 }
 
+ObjectIdContainer oidsOf(const OidTypeValueContainer& values)
+{
+    ObjectIdContainer oids;
+    for (const OidTypeValue& value : values) {
+        oids.push_back(value.oid);
+    }
+    return oids;
+}
+
 bool isSameValue(const OidTypeValue& value, const TypeValueRecord& record)
 {
     if ((value.type != record.type) || (value.value.type() != record.value.type())) {
@@ -61,7 +70,7 @@ bool isSameValue(const OidTypeValue& value, const TypeValueRecord& record)
 void checkThatValuesComeBack(const std::string& name, Codec& codec, const OidTypeValueContainer& values)
 {
     OidTypeValueMap decoded;
-    bool isSame = codec.encode(values) && codec.decode(decoded) && (decoded.size() == values.size());
+    bool isSame = codec.encode(values) && codec.decode(oidsOf(values), decoded) && (decoded.size() == values.size());
     for (const OidTypeValue& value : values) {
         isSame = isSame && (decoded.count(value.oid) == 1) && isSameValue(value, decoded[value.oid]);
     }
@@ -90,10 +99,11 @@ void registerCodec(const std::string& name, const std::shared_ptr<Codec>& pCodec
 {
     checkThatValuesComeBack(name, *pCodec, values);
     registerOperation("encode", values.size(), name, [pCodec, values] { return pCodec->encode(values); });
-    registerOperation("decode", values.size(), name, [pCodec, decoded = OidTypeValueMap()]() mutable {
-        decoded.clear();
-        return pCodec->decode(decoded);
-    });
+    registerOperation("decode", values.size(), name,
+                      [pCodec, oids = oidsOf(values), decoded = OidTypeValueMap()]() mutable {
+                          decoded.clear();
+                          return pCodec->decode(oids, decoded);
+                      });
     if (pCodec->hasOwnForm()) {
         registerOperation("encode own form", values.size(), name, [pCodec] { return pCodec->encodeOwn(); });
         registerOperation("decode own form", values.size(), name, [pCodec] { return pCodec->decodeOwn(); });

@@ -48,7 +48,7 @@ public:
         return true;
     }
 
-    bool decode(OidTypeValueMap& values) override
+    bool decode(const ObjectIdContainer&, OidTypeValueMap& values) override
     {
         if (!decodeOwn()) {
             return false;

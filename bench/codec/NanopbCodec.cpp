@@ -61,7 +61,7 @@ public:
         return encodeOwn();
     }
 
-    bool decode(OidTypeValueMap& values) override
+    bool decode(const ObjectIdContainer&, OidTypeValueMap& values) override
     {
         if (!decodeOwn()) {
             return false;

@@ -25,7 +25,7 @@ public:
         return std::all_of(values.begin(), values.end(), [this](const OidTypeValue& value) { return build(value); });
     }
 
-    bool decode(OidTypeValueMap& values) override
+    bool decode(const ObjectIdContainer&, OidTypeValueMap& values) override
     {
         m_left = encodedSize();
         m_pNext = m_bytes;

@@ -1,22 +1,20 @@
 // Times each slot/link operation against a real segment, and right beside it the bare shmget, shmat and shmdt calls
-// that the operation must make. The two take turns in short batches, so that what else the machine does meets both
-// alike; the ratio is that of the medians.
+// that the operation must make. Fails if an operation costs more than 5 % on top of them.
 //
 //     ports_benchmark [batches]
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <stdexcept>
-#include <vector>
 
 #include <sched.h>
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
 #include "NpuDataPortsConfiguration.h"
+#include "SideBySide.h"
 
 namespace {
 
@@ -56,36 +54,13 @@ void readSegment(int count)
     }
 }
 
-double nanosecondsPerCall(const std::function<void()>& call)
-{
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < CALLS_PER_BATCH; ++i) {
-        call();
-    }
-    const std::chrono::duration<double, std::nano> elapsed = std::chrono::steady_clock::now() - start;
-    return elapsed.count() / CALLS_PER_BATCH;
-}
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
 // True if the operation costs little more than its segment calls.
 bool compare(const char* name, int nReads, int nBatches, const std::function<void()>& operation)
 {
-    std::vector<double> operationTimes;
-    std::vector<double> bareTimes;
-    for (int batch = 0; batch < nBatches; ++batch) {
-        bareTimes.push_back(nanosecondsPerCall([nReads] { readSegment(nReads); }));
-        operationTimes.push_back(nanosecondsPerCall(operation));
-    }
-    const double bare = median(bareTimes);
-    const double whole = median(operationTimes);
-    std::printf("%-24s %d reads: %8.0f ns, bare calls %8.0f ns, ratio %.3f\n", name, nReads, whole, bare, whole / bare);
-    return whole / bare <= ALLOWED_RATIO;
+    const SideBySide result =
+        measureSideBySide(nBatches, CALLS_PER_BATCH, operation, [nReads] { readSegment(nReads); });
+    printSideBySide(name, result);
+    return result.ratio() <= ALLOWED_RATIO;
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 // The documents show what the command really prints: every console block is run, "$ " lines as commands in one shell
-// directory for each document, and what follows them is their output, standard error included.
+// directory for each document, and what follows them is their output, standard error included. Where a document speaks
+// of cards, they are served meanwhile.
 
 #include <cstdlib>
 #include <fstream>
+#include <list>
 
 #include <gtest/gtest.h>
 
+#include "apps/CardProcess.h"
 #include "apps/CommandRun.h"
 #include "support/TemporaryDirectory.h"
 
@@ -36,6 +39,7 @@ std::vector<DocumentedRun> documentedRuns(const std::string& name)
 struct Document {
     const char* name;
     std::size_t nRunsAtLeast;
+    std::vector<std::vector<std::string>> cards = {};
 };
 
 std::ostream& operator<<(std::ostream& stream, const Document& document)
@@ -49,20 +53,28 @@ TEST_P(CommandDocument, ShowsWhatTheCommandPrints)
 {
     const TemporaryDirectory directory;
     const std::string command = BRANTEL_COMMAND;
-    const char* const searchPath = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe): there is one thread
+    const char* const searchPath = std::getenv("PATH");
     const std::string path = "PATH=" + command.substr(0, command.rfind('/')) + ":" + searchPath;
     const std::vector<DocumentedRun> runs = documentedRuns(GetParam().name);
+    const std::string runtimeDirectory = "XDG_RUNTIME_DIR=" + directory.path();
+    std::list<CardProcess> cards;
+    for (const std::vector<std::string>& card : GetParam().cards) {
+        cards.emplace_back(card, std::vector<std::string>{runtimeDirectory});
+    }
 
     EXPECT_GE(runs.size(), GetParam().nRunsAtLeast);
     for (const DocumentedRun& run : runs) {
         const CommandResult result = runProgram("/bin/sh", {"-c", "exec 2>&1; " + run.command},
-                                                {"", "", directory.path(), {path, "BRANTEL_DB="}});
+                                                {"", "", directory.path(), {path, runtimeDirectory, "BRANTEL_DB="}});
         EXPECT_EQ(result.out, run.output) << run.command;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, CommandDocument,
-                         testing::Values(Document{"command.md", 8}, Document{"tables.md", 20},
-                                         Document{"ports.md", 1}));
+INSTANTIATE_TEST_SUITE_P(
+    Every, CommandDocument,
+    testing::Values(Document{"command.md", 8}, Document{"tables.md", 20}, Document{"ports.md", 1},
+                    Document{"cards.md",
+                             15,
+                             {{"--slot", "3"}, {"--slot", "5", "--source", "wave:" EXAMPLES_DIR "/signals.yaml"}}}));
 
 }  // namespace

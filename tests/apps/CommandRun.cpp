@@ -1,5 +1,6 @@
 #include "apps/CommandRun.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -38,7 +39,7 @@ int openedFile(const std::string& path, int flags)
     }
     argv.push_back(nullptr);
     for (const std::string& variable : environment) {
-        putenv(const_cast<char*>(variable.c_str()));  // NOLINT(concurrency-mt-unsafe): there is one thread
+        putenv(const_cast<char*>(variable.c_str()));
     }
     dup2(streams.in, STDIN_FILENO);
     dup2(streams.out, STDOUT_FILENO);
@@ -106,7 +107,17 @@ LiveCommand::~LiveCommand()
 {
     closeInput();
     close(m_output);
-    exitCodeOf(m_process);
+    if (m_process > 0) {
+        exitCodeOf(m_process);
+    }
+}
+
+int LiveCommand::endWith(int signal)
+{
+    kill(m_process, signal);
+    const int exitCode = exitCodeOf(m_process);
+    m_process = -1;
+    return exitCode;
 }
 
 void LiveCommand::write(const std::string& text) const

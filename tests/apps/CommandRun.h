@@ -51,6 +51,9 @@ public:
     /// nothing comes for long.
     std::string readLine() const;
 
+    /// Sends a signal, waits for the end and returns the exit code, or -1 if a signal ended it.
+    int endWith(int signal);
+
 private:
     int m_input = -1;
     int m_output = -1;

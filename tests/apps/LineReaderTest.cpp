@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/TemporaryDirectory.h"
 #include "common/CommandLine.h"
+#include "support/TemporaryDirectory.h"
 
 namespace {
 

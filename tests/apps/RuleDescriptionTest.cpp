@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "EventMgmtRulesParsing.h"
 #include "rules/RuleText.h"
 
@@ -12,6 +14,11 @@ struct DescribedRule {
     const char* kind;
     const char* meaning;
 };
+
+std::ostream& operator<<(std::ostream& stream, const DescribedRule& described)
+{
+    return stream << described.rule;
+}
 
 class RuleDescription : public testing::TestWithParam<DescribedRule> {};
 

@@ -49,17 +49,34 @@ TEST(RuleEvalCommand, TellsEverySampleOnRequest)
 TEST(RuleEvalCommand, TellsBothConditionsOfADoubleHysteresisWithTimes)
 {
     const std::string csv = "time,temp\n10,75\n12.5,81\n13,9\n20,15\n30,20\n";
-    EXPECT_EQ(
-        evalInput({"expr=signed(hyslow(10,20) hyshigh(70,80))", "--column", "temp", "--time-column", "time"}, csv),
-        (CommandResult{0,
-                       "sample 2, time 12.5, value 81: upper raised\n"
-                       "sample 3, time 13, value 9: upper cleared\n"
-                       "sample 3, time 13, value 9: lower raised\n"
-                       "sample 5, time 30, value 20: lower cleared\n"
-                       "5 samples, 0 skipped, 5 evaluations\n"
-                       "upper raised 1 time, longest 1 sample, 0.5 s\n"
-                       "lower raised 1 time, longest 2 samples, 17 s\n",
-                       ""}));
+    EXPECT_EQ(evalInput({"expr=signed(hyslow(10,20) hyshigh(70,80))", "--column", "temp"}, csv),
+              (CommandResult{0,
+                             "sample 2, time 12.5, value 81: upper raised\n"
+                             "sample 3, time 13, value 9: upper cleared\n"
+                             "sample 3, time 13, value 9: lower raised\n"
+                             "sample 5, time 30, value 20: lower cleared\n"
+                             "5 samples, 0 skipped, 5 evaluations\n"
+                             "upper raised 1 time, longest 1 sample, 0.5 s\n"
+                             "lower raised 1 time, longest 2 samples, 17 s\n",
+                             ""}));
+}
+
+TEST(RuleEvalCommand, TakesTheTimeFromTheColumnOfThatNameAndTheSampleFromTheOther)
+{
+    const std::string expected =
+        "sample 2, time 15, value 8: raised\n2 samples, 0 skipped, 2 evaluations\nraised 1 time, longest 1 sample, 0 "
+        "s\n";
+    const char* const rule = "expr=signed(value>5)";
+    EXPECT_EQ(evalInput({rule}, "time,temp\n10,1\n15,8\n").out, expected);
+    EXPECT_EQ(evalInput({rule}, "temp,TimeStamp\n1,10\n8,15\n").out, expected);
+    EXPECT_EQ(evalInput({rule, "--time-column", "at"}, "temp,at\n1,10\n8,15\n").out, expected);
+    EXPECT_EQ(evalInput({rule, "--time-column", "at", "--column", "2"}, "time,temp,at\n1,1,10\n2,8,15\n").out,
+              expected);
+    // A time that is the sample itself is no time beside it.
+    const std::string withoutTime =
+        "sample 2, value 8: raised\n2 samples, 0 skipped, 2 evaluations\nraised 1 time, longest 1 sample\n";
+    EXPECT_EQ(evalInput({rule}, "time\n1\n8\n").out, withoutTime);
+    EXPECT_EQ(evalInput({rule, "--column", "time"}, "time,temp\n1,0\n8,0\n").out, withoutTime);
 }
 
 TEST(RuleEvalCommand, TellsJsonLines)

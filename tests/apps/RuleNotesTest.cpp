@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "EventMgmtRulesParsing.h"
 
 namespace {
@@ -12,6 +14,11 @@ struct NotedRule {
     const char* rule;
     Notes notes;
 };
+
+std::ostream& operator<<(std::ostream& stream, const NotedRule& notedRule)
+{
+    return stream << notedRule.rule;
+}
 
 constexpr const char* NEVER_RAISED = "the condition never holds: the rule is never raised";
 constexpr const char* NEVER_CLEARED = "the condition always holds: the rule is never cleared";

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "support/TemporaryDirectory.h"
 #include "common/CommandLine.h"
 #include "samples/SampleTime.h"
+#include "support/TemporaryDirectory.h"
 
 namespace {
 

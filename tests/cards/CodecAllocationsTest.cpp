@@ -69,7 +69,7 @@ TEST_F(CodecAllocations, AreOneForTheRecordAndOneForTheHeldValueWhenDecoding)
                   OidTypeValueMap values;
                   convertTlvsToOidTypeValueMap(1, tlvs, values, nullptr);
               }),
-              13 * 2 + charactersOfTheString);
+              std::size_t{13} * 2 + charactersOfTheString);
 }
 
 TEST_F(CodecAllocations, AreNotSizedByTheCard)

@@ -81,7 +81,7 @@ class BufferOfIntegers : public ::testing::Test {
 
 using IntegerTypes = ::testing::Types<bool, char, signed char, unsigned char, short, unsigned short, int, unsigned int,
                                       long, unsigned long, long long, unsigned long long>;
-TYPED_TEST_SUITE(BufferOfIntegers, IntegerTypes);
+TYPED_TEST_SUITE(BufferOfIntegers, IntegerTypes, );
 
 TYPED_TEST(BufferOfIntegers, TakeTheirSizeAndAreReadAsTheyWereWritten)
 {
@@ -216,7 +216,7 @@ TEST(Buffer, ReadsOnBehindWhatWasReadWhenMoreIsWritten)
 
 TEST(Buffer, IsAsItWasWhenAStringOrANestedBufferDoesNotFit)
 {
-    for (const std::size_t room : {0, 3, 4, 6}) {  // the value takes 7 bytes
+    for (const std::size_t room : {0U, 3U, 4U, 6U}) {  // the value takes 7 bytes
         const std::string before = hexOf(filledUpTo(buffer_t::CAPACITY - room));
         buffer_t buffer = filledUpTo(buffer_t::CAPACITY - room);
         EXPECT_THROW(buffer << std::string("abc"), std::length_error);

@@ -11,8 +11,9 @@
 #include <unistd.h>
 
 #include "KeyFiles.h"
-#include "TemporaryDirectory.h"
 #include "message/OBkeys.h"
+#include "support/ErrorOf.h"
+#include "support/TemporaryDirectory.h"
 
 namespace obmessage {
 namespace {

@@ -11,7 +11,8 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include "TemporaryDirectory.h"
+#include "support/ErrorOf.h"
+#include "support/TemporaryDirectory.h"
 
 namespace obmessage {
 namespace {

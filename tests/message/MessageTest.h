@@ -6,8 +6,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "TemporaryDirectory.h"
 #include "support/Diagnostics.h"
+#include "support/ErrorOf.h"
+#include "support/TemporaryDirectory.h"
 
 constexpr const char* SERVICE = "ICSCClient3.ReadWriteSync";
 

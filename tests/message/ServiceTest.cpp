@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -373,13 +375,11 @@ protected:
     std::string callAnsweredWith(const std::vector<std::string>& hexMessages)
     {
         std::vector<std::string> messages;
-        for (const std::string& hex : hexMessages) {
-            messages.push_back(bytesOf(hex));
-        }
+        std::transform(hexMessages.begin(), hexMessages.end(), std::back_inserter(messages), bytesOf);
         OBappsToICSC_1_0_P proxy(m_component);
         proxy.subscribe_synchronous(SERVICE);
         std::thread answering([&] { m_service->answerNext(messages); });
-        const std::string outcome = read(proxy, "request");
+        std::string outcome = read(proxy, "request");
         answering.join();
         m_dropped = proxy.droppedAnswers();
         return outcome;
@@ -409,7 +409,7 @@ TEST_F(ForeignAnswers, AreDroppedAndCounted)
 
 TEST_F(ForeignAnswers, ThatAreBrokenEndTheCallWithAResult)
 {
-    const std::string full(2 * 2049, '0');
+    const std::string full(std::size_t{2} * 2049, '0');
     EXPECT_EQ(callAnsweredWith({"4F42 02 02 0000000000000001 00000000"}), "returned 0, result 50331648, ''");
     EXPECT_EQ(callAnsweredWith({"4F42 01 02 0000000000000001 00000000 01"}), "returned 0, result 134217728, ''");
     EXPECT_EQ(callAnsweredWith({"4F42 01 02 0000000000000001 00000000 01 01 00" + NAME + full}),

@@ -58,7 +58,7 @@ private:
 // A component with one test card, served on a thread of its own until destroyed.
 class ServedCard {
 public:
-    explicit ServedCard(const std::string& serviceName, TestCard::Handler onRead = nullptr,
+    explicit ServedCard(const std::string& serviceName, const TestCard::Handler& onRead = nullptr,
                         const std::string& directoryFile = "")
     {
         std::promise<std::string> endpoint;

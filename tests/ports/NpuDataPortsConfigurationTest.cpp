@@ -269,7 +269,7 @@ TEST_F(KatanaDataPorts, FourOfThemAreFast)
 struct Operation {
     const char* name;
     std::uint32_t (*run)(const INpuDataPortsConfiguration&, std::uint32_t slot, std::uint32_t link);
-    int nReadsAfterSuccess;
+    std::size_t nReadsAfterSuccess;
 
     std::uint32_t (*answerOfPort)(std::uint32_t port);
 };
@@ -346,7 +346,7 @@ TEST_P(SegmentReads, AreOneForTheCheckAndOneForEachStep)
 TEST_P(SegmentReads, WithoutASegmentAreTriedAgainAtEachStepAndReportedOnce)
 {
     setSegment(noSegment());
-    const auto nReads = static_cast<std::size_t>(4 + GetParam().nReadsAfterSuccess);
+    const auto nReads = 4 + GetParam().nReadsAfterSuccess;
     EXPECT_EQ(courseOf(0, 0), (Course{GetParam().answerOfPort(8),
                                       std::vector<std::string>(nReads, "shmget(5678, 12, 0666)"), unknownTypeLines}));
 }

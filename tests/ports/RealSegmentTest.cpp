@@ -67,7 +67,7 @@ protected:
         }
     }
 
-    const DefaultKatanaDataPortsConfig m_ports;
+    const DefaultKatanaDataPortsConfig m_ports{};
 };
 
 TEST_F(RealSegment, IsReadAtEachCallAndDetachedAgain)

@@ -36,7 +36,7 @@ std::string pointerText(const void* pointer)
 std::string octal(int flags)
 {
     char text[16];
-    std::snprintf(text, sizeof text, "0%o", static_cast<unsigned int>(flags));
+    static_cast<void>(std::snprintf(text, sizeof text, "0%o", static_cast<unsigned int>(flags)));
     return text;
 }
 
@@ -113,10 +113,10 @@ std::vector<std::string> takeSegmentCalls()
     return std::exchange(calls, {});
 }
 
-std::vector<std::string> segmentReads(int count)
+std::vector<std::string> segmentReads(std::size_t count)
 {
     std::vector<std::string> reads;
-    for (int i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         reads.insert(reads.end(), {"shmget(5678, 12, 0666)", "shmat(7, NULL, 0)", "shmdt(segment)"});
     }
     return reads;

@@ -31,6 +31,6 @@ void setSegments(const std::vector<SegmentState>& states);
 std::vector<std::string> takeSegmentCalls();
 
 /// The calls of `count` reads of a segment that attaches.
-std::vector<std::string> segmentReads(int count);
+std::vector<std::string> segmentReads(std::size_t count);
 
 #endif

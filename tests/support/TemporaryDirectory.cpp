@@ -20,8 +20,9 @@ TemporaryDirectory::~TemporaryDirectory()
 
 std::string TemporaryDirectory::write(const std::string& name, const std::string& content) const
 {
-    const std::string path = m_path + "/" + name;
+    std::string path = m_path + "/" + name;
     std::ofstream(path, std::ios::binary) << content;
+    std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     return path;
 }
 

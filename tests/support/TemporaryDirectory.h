@@ -13,7 +13,7 @@ public:
 
     const std::string& path() const { return m_path; }
 
-    /// Writes a file and returns its path.
+    /// Writes a file for this user alone, and returns its path.
     std::string write(const std::string& name, const std::string& content) const;
 
 private:

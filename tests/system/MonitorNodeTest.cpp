@@ -226,7 +226,7 @@ TEST(MonitorNode, ReadsOnWhatACardHasBesideWhatItHasNot)
     node.setThreshold(91);
 
     EXPECT_EQ(node.sentencesOnce(N_MISSING + 1).back(), RAISED);
-    EXPECT_LE(requests, 33 * (cycles + 1)) << "one for what is there, 32 for what may be there again";
+    EXPECT_LE(requests, 17 * (cycles + 1)) << "one for what is there, 16 for what may be there again";
     pMonitor->send(SIGTERM);
     EXPECT_EQ(pMonitor->wait(), 0);
 }
@@ -316,7 +316,7 @@ TEST(MonitorNode, DrawsALiveViewOnATerminal)
 
     EXPECT_EQ(result.exitCode, 0) << result;
     const std::string texts[] = {"brantel monitor: cycle 3", "slot 3: answers, 1 object,",
-                                 "slot 3  card.alarm-threshold  91  RAISED  expr=signed(value>90)",
+                                 "slot 3  card.alarm-threshold     91  RAISED  expr=signed(value>90)",
                                  RAISED.substr(0, 40)};
     for (const std::string& text : texts) {
         EXPECT_NE(result.out.find(text), std::string::npos) << text << "\n" << result.out;

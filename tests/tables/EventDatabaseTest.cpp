@@ -112,7 +112,7 @@ TEST_F(EventDatabaseChanges, NeedTablesThatAreAsDefined)
         sql::Database::create(m_directory.path() + "/other.db", identity, {});
     }
     try {
-        EventDatabase(m_directory.path() + "/other.db", sql::Database::Access::READ);
+        const EventDatabase database(m_directory.path() + "/other.db", sql::Database::Access::READ);
         FAIL() << "opened";
     } catch (const sql::Error& error) {
         EXPECT_EQ(error.problem(), sql::Problem::DIFFERENT);

@@ -59,7 +59,7 @@ public:
     SignalsBlocked& operator=(const SignalsBlocked&) = delete;
 
 private:
-    sigset_t m_before;
+    sigset_t m_before{};
 };
 
 }  // namespace

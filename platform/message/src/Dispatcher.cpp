@@ -167,7 +167,7 @@ bool Dispatcher::isAnySourceReady() const
 // Marks the sources whose descriptors are readable. Does not wait if there is something to do already.
 void Dispatcher::waitForEvents(Clock::time_point deadline)
 {
-    std::array<epoll_event, 32> events;
+    std::array<epoll_event, 32> events{};
     int count = 0;
     setTimer();
     do {

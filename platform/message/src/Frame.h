@@ -27,8 +27,8 @@
 namespace obmessage {
 
 struct ByteView {
-    const unsigned char* pBytes;
-    std::size_t length;
+    const unsigned char* pBytes = nullptr;
+    std::size_t length = 0;
 };
 
 enum class FrameKind : std::uint8_t { Request = 1, Answer = 2 };
@@ -49,8 +49,8 @@ constexpr std::size_t MAX_HEADER_LENGTH = FIXED_HEADER_LENGTH + MAX_INTERFACE_NA
 
 /// An encoded envelope, without the payload.
 struct EncodedHeader {
-    unsigned char bytes[MAX_HEADER_LENGTH];
-    std::size_t length;
+    unsigned char bytes[MAX_HEADER_LENGTH] = {};
+    std::size_t length = 0;
 
     ByteView view() const { return {bytes, length}; }
 };
@@ -67,7 +67,7 @@ enum class FrameFault {
 };
 
 struct DecodedFrame {
-    FrameFault fault;
+    FrameFault fault = FrameFault::None;
     FrameHeader header;  // points into the decoded bytes
     ByteView payload;    // likewise; empty unless the fault is None
 };

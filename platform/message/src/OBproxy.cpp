@@ -146,10 +146,10 @@ public:
 
     int call(Call& call, buffer_t& payload, int&) override
     {
-        call.sequenceNumber = nextSequenceNumber();
         if (m_outstanding.size() >= MAX_OUTSTANDING_REQUESTS) {
             return -1;
         }
+        call.sequenceNumber = nextSequenceNumber();
         const bool isSent = sendRequest(m_socket, call, payload, call.deadline);
         if (isSent) {
             m_outstanding.emplace(call.sequenceNumber, call);

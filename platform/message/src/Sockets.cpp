@@ -94,7 +94,7 @@ int waitUntil(Clock::time_point deadline)
 zmq::message_t joined(ByteView header, ByteView payload)
 {
     zmq::message_t message(header.length + payload.length);
-    unsigned char* const pBytes = message.data<unsigned char>();
+    auto* const pBytes = message.data<unsigned char>();
     std::memcpy(pBytes, header.pBytes, header.length);
     if (payload.length != 0) {
         std::memcpy(pBytes + header.length, payload.pBytes, payload.length);

@@ -316,7 +316,8 @@ std::optional<std::string> Database::differenceFrom(const TableDefinition& table
         int position = 0;
         for (const Field& field : columnsOf(table.definition)) {
             ++position;
-            const std::string inColumn = inTable + "column " + std::to_string(position) + " ";
+            std::string inColumn = inTable;
+            inColumn.append("column ").append(std::to_string(position)).append(" ");
             if (found.isDone()) {
                 return inColumn + "is missing; it should be " + described(field);
             }

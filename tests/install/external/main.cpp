@@ -1,9 +1,11 @@
-// Decides a rule and takes a table's definition on the foreign platform: succeeds if both are right and the platform was
-// asked for its level and told of a broken invariant.
+// Decides a rule, takes a table's definition and reads an object on the foreign platform: succeeds if all are right and
+// the platform was asked for its level and told of a broken invariant.
 
 #include "EventMgmtRulesParsing.h"
 #include "EvmDatabase.h"
+#include "IcscClientProxy.h"
 #include "foreign_platform.h"
+#include "message/OBcomponent.h"
 
 int main()
 {
@@ -19,6 +21,15 @@ int main()
     const std::vector<sql::Field> columns = eventMgmt::EvmDatabase::getComponentConfigTableDefinition();
     const bool isDefined = (columns.size() == 3) && (columns[1].m_text == "EnableEvents") &&
                            (columns[1].m_type == sql::field_type::BOOLEAN) && columns[2].m_text.empty();
+
+    OBcomponent component;
+    IcscClientProxy::createInstance();
+    IcscClientProxy& client = IcscClientProxy::getInstance();
+    client.subscribeInterface(3, component);
+    OidTypeValueMap values;
+    const bool isRead = (client.getOidsSync(3, {7}, values) == 0) && (boost::any_cast<int>(values.at(7).value) == 42) &&
+                        (foreignPlatform::subscribedService == "ICSCClient3.ReadWriteSync");
+    IcscClientProxy::deleteInstance();
     g_traceObject = nullptr;
-    return (isRaised && isReported && isDefined && (foreignPlatform::levelQuestions > 0)) ? 0 : 1;
+    return (isRaised && isReported && isDefined && isRead && (foreignPlatform::levelQuestions > 0)) ? 0 : 1;
 }

@@ -51,8 +51,8 @@ enum OidValueType : std::int32_t {
 
 /// One value to be written; `value` holds exactly the type that `type` names.
 struct BRANTEL_EXPORT OidTypeValue {
-    std::uint32_t oid;
-    OidValueType type;
+    std::uint32_t oid = 0;
+    OidValueType type = OID_TYPE_UINT64;
     boost::any value;
 };
 
@@ -61,7 +61,7 @@ using OidTypeValueContainer = std::vector<OidTypeValue>;
 
 /// One value from a card; `value` holds exactly the type that `type` names.
 struct BRANTEL_EXPORT TypeValueRecord {
-    OidValueType type;
+    OidValueType type = OID_TYPE_UINT64;
     boost::any value;
 };
 

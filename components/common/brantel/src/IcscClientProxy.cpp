@@ -97,7 +97,8 @@ IcscClientProxy::~IcscClientProxy()
 
 void IcscClientProxy::createInstance()
 {
-    if (!ASSERT_OR_REPORT(m_pInstance == NULL)) {
+    // The condition is the text of the report, here and below.
+    if (!ASSERT_OR_REPORT(m_pInstance == NULL)) {  // NOLINT(modernize-use-nullptr)
         return;
     }
     m_pInstance = new IcscClientProxy;
@@ -106,7 +107,7 @@ void IcscClientProxy::createInstance()
 // Callers get the null instance after the report, which the sanitizer would stop at.
 __attribute__((no_sanitize("null"))) IcscClientProxy& IcscClientProxy::getInstance()
 {
-    ASSERT_OR_REPORT(m_pInstance != NULL);
+    ASSERT_OR_REPORT(m_pInstance != NULL);  // NOLINT(modernize-use-nullptr)
     return *m_pInstance;
 }
 
@@ -138,7 +139,8 @@ void IcscClientProxy::subscribeAsyncInterface(std::uint32_t slot, OBcomponent& c
 std::int32_t IcscClientProxy::getOidsSync(std::uint32_t slot, const ObjectIdContainer& oids, OidTypeValueMap& values)
 {
     // 0 on purpose: the report tells of the caller's mistake, the result only of the card and the way to it.
-    if (!ASSERT_OR_REPORT(slot < 10) || !ASSERT_OR_REPORT(m_pOBappsToICSC_sync[slot] != 0)) {
+    if (!ASSERT_OR_REPORT(slot < 10) ||
+        !ASSERT_OR_REPORT(m_pOBappsToICSC_sync[slot] != 0)) {  // NOLINT(modernize-use-nullptr)
         return 0;
     }
     buffer_t tlvs;
@@ -160,7 +162,8 @@ std::int32_t IcscClientProxy::getOidsSync(std::uint32_t slot, const ObjectIdCont
 
 bool IcscClientProxy::getOidsAsync(std::uint32_t slot, const ObjectIdContainer& oids)
 {
-    if (!ASSERT_OR_REPORT(slot < 10) || !ASSERT_OR_REPORT(m_pOBappsToICSC_async[slot] != 0)) {
+    if (!ASSERT_OR_REPORT(slot < 10) ||
+        !ASSERT_OR_REPORT(m_pOBappsToICSC_async[slot] != 0)) {  // NOLINT(modernize-use-nullptr)
         return false;
     }
     buffer_t tlvs;

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <string>
 #include <typeinfo>
 #include <utility>
+
+#include <boost/config.hpp>
 
 #include "Log.h"
 
@@ -19,48 +20,64 @@ struct Caller {
     const char* signature;
 };
 
+// The value, which must hold exactly a T. Types are mostly told apart by their addresses alone.
 template <typename T>
-void appendAs(const boost::any& value, buffer_t& element)
+BOOST_FORCEINLINE const T& heldAs(const boost::any& value)
 {
-    element << boost::any_cast<const T&>(value);
+    return BOOST_LIKELY(&value.type() == &typeid(T)) ? *boost::unsafe_any_cast<T>(&value)
+                                                     : boost::any_cast<const T&>(value);
+}
+
+// Part of its caller, where the element is little more than the registers that its parts are in.
+template <typename T>
+BOOST_FORCEINLINE void appendElement(const OidTypeValue& entry, const T& value, buffer_t& tlvs)
+{
+    buffer_t element;
+    element << entry.oid << static_cast<unsigned char>(entry.type & 0xFF) << value;
+    tlvs << element;
+}
+
+// These raise boost::bad_any_cast when the entry's value does not hold the type.
+
+template <typename T>
+BOOST_FORCEINLINE void appendAs(const OidTypeValue& entry, buffer_t& tlvs)
+{
+    appendElement(entry, heldAs<T>(entry.value), tlvs);
+}
+
+void appendIPv4Address(const OidTypeValue& entry, buffer_t& tlvs)
+{
+    appendElement(entry, static_cast<std::uint32_t>(heldAs<in_addr>(entry.value).s_addr), tlvs);
+}
+
+void appendMacAddress(const OidTypeValue& entry, buffer_t& tlvs)
+{
+    auto number = heldAs<unsigned long long>(entry.value);
+    unsigned char bytes[MAC_ADDRESS_LENGTH];
+    for (std::size_t i = MAC_ADDRESS_LENGTH; i-- > 0; number >>= 8) {
+        bytes[i] = static_cast<unsigned char>(number & 0xFF);
+    }
+    appendElement(entry, buffer_t(bytes, sizeof bytes), tlvs);
 }
 
 template <typename T>
-boost::any readAs(const buffer_t& element, const Caller&)
+T readAs(const buffer_t& element)
 {
     T value{};
     element >> value;
     return value;
 }
 
-void appendIPv4Address(const boost::any& value, buffer_t& element)
+in_addr readIPv4Address(const buffer_t& element)
 {
-    element << static_cast<std::uint32_t>(boost::any_cast<const in_addr&>(value).s_addr);
-}
-
-boost::any readIPv4Address(const buffer_t& element, const Caller&)
-{
-    std::uint32_t number = 0;
-    element >> number;
     in_addr address{};
-    address.s_addr = number;
+    address.s_addr = readAs<std::uint32_t>(element);
     return address;
 }
 
-void appendMacAddress(const boost::any& value, buffer_t& element)
+unsigned long long readMacAddress(const buffer_t& element, const Caller& caller)
 {
-    auto number = boost::any_cast<unsigned long long>(value);
-    unsigned char bytes[MAC_ADDRESS_LENGTH];
-    for (std::size_t i = MAC_ADDRESS_LENGTH; i-- > 0; number >>= 8) {
-        bytes[i] = static_cast<unsigned char>(number & 0xFF);
-    }
-    element << buffer_t(bytes, sizeof bytes);
-}
-
-boost::any readMacAddress(const buffer_t& element, const Caller& caller)
-{
-    buffer_t macAddress;
-    element >> macAddress;
+    const auto macAddress = readAs<buffer_t>(element);
     ASSERT_OR_REPORT_AS(macAddress.size() == 6, caller.signature);
 
     unsigned char bytes[MAC_ADDRESS_LENGTH] = {0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE};
@@ -74,37 +91,25 @@ boost::any readMacAddress(const buffer_t& element, const Caller& caller)
     return number;
 }
 
-// How the value of one type code is appended to an element and read from it. Appending raises boost::bad_any_cast when
-// the value does not hold the type.
-struct ValueCodec {
-    void (*append)(const boost::any& value, buffer_t& element);
-    boost::any (*read)(const buffer_t& element, const Caller& caller);
-};
-
-constexpr ValueCodec valueCodecs[] = {
-    {appendAs<unsigned long long>, readAs<unsigned long long>},  // 0   OID_TYPE_UINT64
-    {appendAs<unsigned int>, readAs<unsigned int>},              // 1   OID_TYPE_UINT32
-    {appendAs<unsigned short>, readAs<unsigned short>},          // 2   OID_TYPE_UINT16
-    {appendAs<unsigned char>, readAs<unsigned char>},            // 3   OID_TYPE_UINT8
-    {appendAs<long long>, readAs<long long>},                    // 4   OID_TYPE_INT64
-    {appendAs<int>, readAs<int>},                                // 5   OID_TYPE_INT32
-    {appendAs<short>, readAs<short>},                            // 6   OID_TYPE_INT16
-    {appendAs<signed char>, readAs<signed char>},                // 7   OID_TYPE_INT8
-    {appendAs<bool>, readAs<bool>},                              // 8   OID_TYPE_BOOL
-    {appendAs<std::string>, readAs<std::string>},                // 9   OID_TYPE_STRING
-    {appendIPv4Address, readIPv4Address},                        // 10  OID_TYPE_IPV4_ADDRESS
-    {nullptr, nullptr},                                          // 11  not in use
-    {appendAs<buffer_t>, readAs<buffer_t>},                      // 12  OID_TYPE_BUFFER
-    {appendMacAddress, readMacAddress},                          // 13  OID_TYPE_MAC_ADDRESS
-};
-static_assert(std::size(valueCodecs) == OID_TYPE_MAC_ADDRESS + 1, "one row for each type code");
-
-// Null for a type code that is unknown.
-const ValueCodec* findValueCodec(OidValueType type)
+// Empty if the type code is unknown.
+boost::any readValue(const buffer_t& element, OidValueType type, const Caller& caller)
 {
-    // Unsigned, so that negative codes are unknown too.
-    const auto code = static_cast<std::uint32_t>(type);
-    return ((code < std::size(valueCodecs)) && (valueCodecs[code].append != nullptr)) ? &valueCodecs[code] : nullptr;
+    switch (type) {
+        case OID_TYPE_UINT64: return readAs<unsigned long long>(element);
+        case OID_TYPE_UINT32: return readAs<unsigned int>(element);
+        case OID_TYPE_UINT16: return readAs<unsigned short>(element);
+        case OID_TYPE_UINT8: return readAs<unsigned char>(element);
+        case OID_TYPE_INT64: return readAs<long long>(element);
+        case OID_TYPE_INT32: return readAs<int>(element);
+        case OID_TYPE_INT16: return readAs<short>(element);
+        case OID_TYPE_INT8: return readAs<signed char>(element);
+        case OID_TYPE_BOOL: return readAs<bool>(element);
+        case OID_TYPE_STRING: return readAs<std::string>(element);
+        case OID_TYPE_IPV4_ADDRESS: return readIPv4Address(element);
+        case OID_TYPE_BUFFER: return readAs<buffer_t>(element);
+        case OID_TYPE_MAC_ADDRESS: return readMacAddress(element, caller);
+    }
+    return {};
 }
 
 // `expected` is the place where a card that answers in the order of the request has the OID.
@@ -149,27 +154,34 @@ bool convertOidTypeValueContainerToTlvs(const OidTypeValueContainer& values, buf
 {
     try {
         tlvs << static_cast<std::uint32_t>(values.size());
-        buffer_t element;
         for (std::size_t i = 0; i < values.size(); ++i) {
-            const OidValueType type = values[i].type;
-            element.clear();
-            element << values[i].oid << static_cast<unsigned char>(type & 0xFF);
-
-            const ValueCodec* const pCodec = findValueCodec(type);
-            if (pCodec == nullptr) {
-                LOG_ERROR("invalid or not yet implemented type  (%d) for oid=0x%x", static_cast<int>(type),
-                          values[i].oid);
-                ASSERT_OR_REPORT(false);
-                return false;
+            const OidTypeValue& entry = values[i];
+            switch (entry.type) {
+                case OID_TYPE_UINT64: appendAs<unsigned long long>(entry, tlvs); break;
+                case OID_TYPE_UINT32: appendAs<unsigned int>(entry, tlvs); break;
+                case OID_TYPE_UINT16: appendAs<unsigned short>(entry, tlvs); break;
+                case OID_TYPE_UINT8: appendAs<unsigned char>(entry, tlvs); break;
+                case OID_TYPE_INT64: appendAs<long long>(entry, tlvs); break;
+                case OID_TYPE_INT32: appendAs<int>(entry, tlvs); break;
+                case OID_TYPE_INT16: appendAs<short>(entry, tlvs); break;
+                case OID_TYPE_INT8: appendAs<signed char>(entry, tlvs); break;
+                case OID_TYPE_BOOL: appendAs<bool>(entry, tlvs); break;
+                case OID_TYPE_STRING: appendAs<std::string>(entry, tlvs); break;
+                case OID_TYPE_IPV4_ADDRESS:
+                    ASSERT_OR_REPORT(isIPv4Address(values[i].value));
+                    appendIPv4Address(entry, tlvs);
+                    break;
+                case OID_TYPE_BUFFER: appendAs<buffer_t>(entry, tlvs); break;
+                case OID_TYPE_MAC_ADDRESS:
+                    ASSERT_OR_REPORT(isUInt64(values[i].value));
+                    appendMacAddress(entry, tlvs);
+                    break;
+                default:
+                    LOG_ERROR("invalid or not yet implemented type  (%d) for oid=0x%x", static_cast<int>(entry.type),
+                              entry.oid);
+                    ASSERT_OR_REPORT(false);
+                    return false;
             }
-            // A value that fails one of these raises boost::bad_any_cast in append, as for every other type code.
-            if (type == OID_TYPE_IPV4_ADDRESS) {
-                ASSERT_OR_REPORT(isIPv4Address(values[i].value));
-            } else if (type == OID_TYPE_MAC_ADDRESS) {
-                ASSERT_OR_REPORT(isUInt64(values[i].value));
-            }
-            pCodec->append(values[i].value, element);
-            tlvs << element;
         }
         return true;
     } catch (const boost::bad_any_cast& exception) {
@@ -230,14 +242,14 @@ bool convertTlvsToOidTypeValueMap(std::uint32_t slot, const buffer_t& tlvs, OidT
             std::uint8_t code = 0;
             element >> code;
             const auto type = static_cast<OidValueType>(code);
-            const ValueCodec* const pCodec = findValueCodec(type);
-            if (pCodec == nullptr) {
+            boost::any value = readValue(element, type, {__func__, __PRETTY_FUNCTION__});
+            if (value.empty()) {
                 LOG_ERROR("slot=%d: invalid or not yet implemented type  (%d) for oid=0x%x", slot,
                           static_cast<int>(type), oid);
                 values.clear();
                 return false;
             }
-            if (!addRecord(values, oid, {type, pCodec->read(element, {__func__, __PRETTY_FUNCTION__})})) {
+            if (!addRecord(values, oid, {type, std::move(value)})) {
                 LOG_ERROR("slot=%d: more than 1 value for oid=0x%x", slot, oid);
                 values.clear();
                 return false;

@@ -84,7 +84,8 @@ public:
     /// Appends the length of `text` and its characters. Throws std::length_error if they do not fit.
     buffer_t& operator<<(const std::string& text)
     {
-        appendWithLength(text.data(), text.size());
+        unsigned char* const pRoom = appendLength(text.size());
+        copyBytes(pRoom, reinterpret_cast<const unsigned char*>(text.data()), text.size());
         return *this;
     }
 
@@ -92,7 +93,8 @@ public:
     /// itself. Throws std::length_error if they do not fit.
     buffer_t& operator<<(const buffer_t& nested)
     {
-        appendWithLength(nested.m_bytes, nested.m_length);
+        const std::size_t length = nested.m_length;  // `nested` may be this buffer
+        copyElement(appendLength(length), nested.m_bytes, length);
         return *this;
     }
 
@@ -163,13 +165,64 @@ private:
         std::memcpy(m_bytes + position, &bigEndianValue, sizeof bigEndianValue);
     }
 
-    void appendWithLength(const void* bytes, std::size_t length)
+    // Appends a length and makes room for as many bytes, which the caller has to fill.
+    unsigned char* appendLength(std::size_t length)
     {
         requireRoom(LENGTH_SIZE + length);  // no overflow: nothing in memory is that long
-        const std::size_t position = m_length;
-        storeAt(position, bigEndian(static_cast<std::uint32_t>(length)));
-        std::memcpy(m_bytes + position + LENGTH_SIZE, bytes, length);
-        m_length = position + LENGTH_SIZE + length;
+        storeAt(m_length, bigEndian(static_cast<std::uint32_t>(length)));
+        unsigned char* const pRoom = m_bytes + m_length + LENGTH_SIZE;
+        m_length += LENGTH_SIZE + length;
+        return pRoom;
+    }
+
+    template <typename Piece>
+    static void copyPiece(unsigned char*& pTo, const unsigned char*& pFrom, std::size_t& length)
+    {
+        Piece piece;
+        std::memcpy(&piece, pFrom, sizeof piece);
+        std::memcpy(pTo, &piece, sizeof piece);
+        pFrom += sizeof piece;
+        pTo += sizeof piece;
+        length -= sizeof piece;
+    }
+
+    // Few bytes go in one piece for each binary digit of their number.
+    static void copyBytes(unsigned char* pTo, const unsigned char* pFrom, std::size_t length)
+    {
+        if (length >= 16) {
+            std::memcpy(pTo, pFrom, length);
+            return;
+        }
+        if ((length & 8U) != 0) {
+            copyPiece<std::uint64_t>(pTo, pFrom, length);
+        }
+        if ((length & 4U) != 0) {
+            copyPiece<std::uint32_t>(pTo, pFrom, length);
+        }
+        if ((length & 2U) != 0) {
+            copyPiece<std::uint16_t>(pTo, pFrom, length);
+        }
+        if ((length & 1U) != 0) {
+            copyPiece<std::uint8_t>(pTo, pFrom, length);
+        }
+    }
+
+    // A nested buffer was mostly written right before. A read that spans several of those writes would have to wait for
+    // them to reach the cache, so it is read in the pieces that an element of a stream is written in: a number and its
+    // type, then another number, or a length and what is that long. Where the compiler knows the length, the nested
+    // buffer dissolves altogether.
+    static void copyElement(unsigned char* pTo, const unsigned char* pFrom, std::size_t length)
+    {
+        if (length >= sizeof(std::uint32_t)) {
+            copyPiece<std::uint32_t>(pTo, pFrom, length);
+            if (length >= sizeof(std::uint8_t)) {
+                copyPiece<std::uint8_t>(pTo, pFrom, length);
+                if (length >= sizeof(std::uint32_t)) {
+                    copyPiece<std::uint32_t>(pTo, pFrom, length);
+                }
+            }
+        }
+        copyBytes(pTo, pFrom, length);
     }
 
     template <typename T>

@@ -1,0 +1,6 @@
+#ifndef FOREIGN_OBCOMPONENT_H
+#define FOREIGN_OBCOMPONENT_H
+
+class OBcomponent {};
+
+#endif
