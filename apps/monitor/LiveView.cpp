@@ -15,6 +15,12 @@ constexpr std::size_t N_EVENTS = 8;
 
 constexpr const char* CLEARED = "cleared";
 
+// What a terminal does with these.
+const std::string SECOND_SCREEN = "\x1b[?1049h";
+const std::string FIRST_SCREEN = "\x1b[?1049l";
+const std::string HOME = "\x1b[H";
+const std::string CLEAR_BELOW = "\x1b[J";
+
 struct TerminalSize {
     std::size_t width;
     std::size_t height;
@@ -101,6 +107,14 @@ std::string placeLine(const std::pair<const Place, WatchedPlace>& entry, const M
 
 }  // namespace
 
+LiveView::~LiveView()
+{
+    if (!m_picture.empty()) {
+        static_cast<void>(std::fputs((FIRST_SCREEN + m_picture).c_str(), stdout));
+        static_cast<void>(std::fflush(stdout));
+    }
+}
+
 void LiveView::tell(const Event& event, const std::string&)
 {
     m_lastEvents.push_back(event);
@@ -112,12 +126,13 @@ void LiveView::tell(const Event& event, const std::string&)
 void LiveView::draw(const ConditionMonitor& monitor, const MonitorFigures& figures)
 {
     const TerminalSize size = terminalSize();
-    std::string picture = "\x1b[H";
+    const bool isFirst = m_picture.empty();
+    m_picture.clear();
     for (const Line& line : linesOf(monitor, figures, size.height)) {
         const std::string text = cutTo(printable(line.text), size.width);
-        picture += (line.colour ? m_output.coloured(*line.colour, text) : text) + "\x1b[K\r\n";
+        m_picture += (line.colour ? m_output.coloured(*line.colour, text) : text) + "\x1b[K\r\n";
     }
-    m_output.writeText(picture + "\x1b[J");
+    m_output.writeText((isFirst ? SECOND_SCREEN : "") + HOME + m_picture + CLEAR_BELOW);
     m_output.finish();
 }
 

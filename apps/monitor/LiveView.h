@@ -2,7 +2,7 @@
 #define APPS_MONITOR_LIVE_VIEW_H
 
 // The monitor on a terminal: places, rules with their last values and states, the last events, drawn anew at each
-// cycle.
+// cycle on the terminal's second screen. The last picture is left on the first.
 
 #include <deque>
 #include <optional>
@@ -15,6 +15,11 @@
 
 class LiveView : public EventOutput {
 public:
+    LiveView() = default;
+    ~LiveView() override;
+    LiveView(const LiveView&) = delete;
+    LiveView& operator=(const LiveView&) = delete;
+
     /// Notes an event for the next drawing.
     void tell(const Event& event, const std::string& line) override;
 
@@ -30,6 +35,7 @@ private:
     void addRules(std::vector<Line>& lines, const ConditionMonitor& monitor, std::size_t room) const;
 
     ResultOutput m_output;
+    std::string m_picture;  ///< drawn last
     std::deque<Event> m_lastEvents;
 };
 
