@@ -12,6 +12,7 @@
 
 #include "commands/CardCommands.h"
 #include "commands/DbCommands.h"
+#include "commands/MonitorCommand.h"
 #include "commands/PortsCommands.h"
 #include "commands/RuleCommands.h"
 #include "common/CommandLine.h"
@@ -31,6 +32,7 @@ Examples:
   brantel card --slot 3 &
   brantel get 3 card.name cpu.busy
   brantel db check
+  brantel monitor --journal events.jsonl
   brantel ports --backplane 3)";
 
 // Prints the help, the version or what is wrong with the arguments.
@@ -63,6 +65,7 @@ ExitCode runCommand(int argc, char** argv)
     addRuleCommands(app, invocation);
     addCardCommands(app, invocation);
     addDbCommands(app, invocation);
+    addMonitorCommand(app, invocation);
     addPortsCommands(app, invocation);
     try {
         app.parse(argc, argv);

@@ -53,9 +53,11 @@ struct CsvReplay {
     std::string timeColumn;  ///< empty: the column "time", if there is one
     double interval = 1.0;   ///< seconds between rows, if there is no time column
     double speed = 1.0;      ///< 2: twice as fast as recorded
+    bool isStepped = false;  ///< not by time: on to the next row when a column is read that was read of this one
 };
 
-/// The columns of a recording, replayed from now on, again and again. Throws CommandError if it cannot be read.
+/// The columns of a recording, replayed from now on: by time again and again, stepped up to the last row. Throws
+/// CommandError if it cannot be read.
 void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsClock& clock = steadySeconds);
 
 /// The signals of a description, each at the start of its first period now. Throws CommandError if it cannot be read.

@@ -33,6 +33,7 @@ public:
         }
         setDuration();
         m_start = m_clock();
+        setRowNumber(1);
     }
 
     std::vector<std::size_t> valueColumns() const
@@ -60,13 +61,21 @@ public:
         return OID_TYPE_STRING;
     }
 
-    /// The field of the row whose time it is.
-    const std::string& fieldNow(std::size_t column) const
+    /// The field of the row whose time or turn it is.
+    const std::string& fieldNow(std::size_t column)
     {
-        const double position = std::fmod((m_clock() - m_start) * m_replay.speed, m_duration);
-        const auto after = std::upper_bound(m_rows.begin(), m_rows.end(), position,
-                                            [](double seconds, const Row& row) { return seconds < row.seconds; });
-        return ((after == m_rows.begin()) ? *after : *(after - 1)).fields[column];
+        return (m_replay.isStepped ? rowOfStep(column) : rowOfTime()).fields[column];
+    }
+
+    bool isStepped() const { return m_replay.isStepped; }
+
+    /// The row whose turn it is, from 1.
+    unsigned int rowNumber() const { return static_cast<unsigned int>(m_row + 1); }
+    bool hasRow(unsigned int number) const { return (number >= 1) && (number <= m_rows.size()); }
+    void setRowNumber(unsigned int number)
+    {
+        m_row = number - 1;
+        m_isServed.assign(m_header.size(), false);
     }
 
 private:
@@ -74,6 +83,23 @@ private:
         double seconds;  ///< since the first row
         std::vector<std::string> fields;
     };
+
+    const Row& rowOfStep(std::size_t column)
+    {
+        if (m_isServed[column] && hasRow(rowNumber() + 1)) {
+            setRowNumber(rowNumber() + 1);
+        }
+        m_isServed[column] = true;
+        return m_rows[m_row];
+    }
+
+    const Row& rowOfTime() const
+    {
+        const double position = std::fmod((m_clock() - m_start) * m_replay.speed, m_duration);
+        const auto after = std::upper_bound(m_rows.begin(), m_rows.end(), position,
+                                            [](double seconds, const Row& row) { return seconds < row.seconds; });
+        return (after == m_rows.begin()) ? *after : *(after - 1);
+    }
 
     void addRow(CsvRow row)
     {
@@ -151,13 +177,26 @@ private:
     std::vector<Row> m_rows;
     double m_duration = 0;
     double m_start = 0;
+    std::size_t m_row = 0;
+    std::vector<bool> m_isServed;  ///< the columns of that row
 };
+
+void addRowObject(CardObjects& objects, const std::shared_ptr<Recording>& pRecording)
+{
+    const auto check = [pRecording](const boost::any& value) {
+        return pRecording->hasRow(boost::any_cast<unsigned int>(value)) ? RESULT_OK : RESULT_WRONG_VALUE;
+    };
+    const auto write = [pRecording](const boost::any& value) {
+        pRecording->setRowNumber(boost::any_cast<unsigned int>(value));
+    };
+    objects[oids::CSV_ROW] = {OID_TYPE_UINT32, [pRecording] { return pRecording->rowNumber(); }, check, write};
+}
 
 }  // namespace
 
 void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsClock& clock)
 {
-    const auto pRecording = std::make_shared<const Recording>(replay, clock);
+    const auto pRecording = std::make_shared<Recording>(replay, clock);
     std::uint32_t index = 0;
     for (const std::size_t column : pRecording->valueColumns()) {
         const OidValueType type = pRecording->typeOf(column);
@@ -166,5 +205,8 @@ void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsC
             nullptr};
         addConstant(objects, oids::CSV_LABEL + index, OID_TYPE_STRING, pRecording->label(column));
         ++index;
+    }
+    if (pRecording->isStepped()) {
+        addRowObject(objects, pRecording);
     }
 }

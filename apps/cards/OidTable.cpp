@@ -72,6 +72,7 @@ std::vector<OidEntry> makeTable()
     addNumbered(table, TEMPERATURE_LABEL, MAX_TEMPERATURES, "temp.", ".label", OID_TYPE_STRING, "what is measured");
     addNumbered(table, CSV_COLUMN, MAX_SIGNALS, "csv.", "", std::nullopt, "the recording's value now");
     addNumbered(table, CSV_LABEL, MAX_SIGNALS, "csv.", ".label", OID_TYPE_STRING, "the column's name");
+    table.push_back({CSV_ROW, "csv.row", OID_TYPE_UINT32, WRITABLE, "the row that is served, with --step; from 1"});
     addNumbered(table, WAVE_SIGNAL, MAX_SIGNALS, "wave.", "", std::nullopt, "the signal's value now");
     addNumbered(table, WAVE_LABEL, MAX_SIGNALS, "wave.", ".label", OID_TYPE_STRING, "the signal's name");
     return table;

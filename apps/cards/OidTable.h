@@ -62,6 +62,9 @@ constexpr std::uint32_t DISK_WRITTEN_KIB = 0x00020402;
 constexpr std::uint32_t DISK_READS = 0x00020403;
 constexpr std::uint32_t DISK_WRITES = 0x00020404;
 
+// Source "csv", stepped
+constexpr std::uint32_t CSV_ROW = 0x00030201;
+
 // Numbered objects: the first of each kind; the others follow it.
 constexpr std::uint32_t TEMPERATURE = 0x00020501;
 constexpr std::uint32_t TEMPERATURE_LABEL = 0x00020601;

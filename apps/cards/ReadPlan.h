@@ -28,6 +28,9 @@ public:
     /// `oids` must not hold an OID twice.
     ReadPlan(std::uint32_t slot, const ObjectIdContainer& oids);
 
+    /// Adds an object, which the plan does not have, as a request of its own: one that the card may refuse.
+    void addApart(std::uint32_t oid) { m_requests.push_back({oid}); }
+
     bool isDone() const { return m_requests.empty(); }
 
     /// What to ask for next; not if all is done.

@@ -118,6 +118,7 @@ void addCardServe(CLI::App& card, Invocation& invocation)
         ->type_name("FACTOR")
         ->check(CLI::Range(0.001, 1000.0))
         ->capture_default_str();
+    card.add_flag("--step", options->isStepped, "csv: the next row when a column is read again, whatever the time");
     card.add_option("--fault", options->faults, "Faults to start with, separated by commas")->type_name("FAULTS");
     card.callback([&card, options, &invocation, slot] {
         if (!card.get_subcommands().empty()) {

@@ -20,7 +20,7 @@ CardObjects objectsOfSource(const CardServeOptions& options)
     if (options.source == "host") {
         addHostObjects(objects);
     } else if (const auto csvFile = afterPrefix(options.source, "csv:")) {
-        addCsvObjects(objects, {*csvFile, options.timeColumn, options.interval, options.speed});
+        addCsvObjects(objects, {*csvFile, options.timeColumn, options.interval, options.speed, options.isStepped});
     } else if (const auto waveFile = afterPrefix(options.source, "wave:")) {
         addWaveObjects(objects, *waveFile);
     } else {

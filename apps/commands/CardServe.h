@@ -14,6 +14,7 @@ struct CardServeOptions {
     std::string timeColumn;
     double interval = 1;
     double speed = 1;
+    bool isStepped = false;
     std::string faults;
 };
 

@@ -22,11 +22,6 @@ using Json = nlohmann::ordered_json;
 
 namespace {
 
-std::string counted(std::uint64_t count, const std::string& noun)
-{
-    return std::to_string(count) + " " + noun + ((count == 1) ? "" : "s");
-}
-
 // Differences of times are exact to the millisecond, not beyond.
 double roundedToMilliseconds(double seconds)
 {

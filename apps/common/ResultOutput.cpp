@@ -42,9 +42,14 @@ void throwUnless(bool isWritten)
 
 ResultOutput::ResultOutput() : m_isFile(isRegularFile(STDOUT_FILENO)), m_isColoured(isColourTerminal(STDOUT_FILENO)) {}
 
-void ResultOutput::writeLine(const std::string& text)
+void ResultOutput::writeText(const std::string& text)
 {
     throwUnless(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
+}
+
+void ResultOutput::writeLine(const std::string& text)
+{
+    writeText(text);
     throwUnless(std::fputc('\n', stdout) != EOF);
     if (!m_isFile) {
         finish();
@@ -82,6 +87,11 @@ std::string printable(const std::string& text)
         }
     }
     return result;
+}
+
+std::string counted(std::uint64_t count, const std::string& noun)
+{
+    return std::to_string(count) + " " + noun + ((count == 1) ? "" : "s");
 }
 
 std::size_t characterCount(const std::string& text, std::size_t length)

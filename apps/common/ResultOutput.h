@@ -5,6 +5,7 @@
 // a pipe sees each line when it happens.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 enum class Colour { GREEN, RED, DIM };
@@ -15,6 +16,9 @@ public:
 
     /// Writes `text` and a line end. Throws CommandError.
     void writeLine(const std::string& text);
+
+    /// Writes `text` as it is, for a terminal. Throws CommandError.
+    void writeText(const std::string& text);
 
     /// Writes what is still buffered; before anything else is written, and last. Throws CommandError.
     void finish();
@@ -30,6 +34,9 @@ private:
 
 /// A text of unknown origin, fit for a terminal: every control character is shown as one visible character.
 std::string printable(const std::string& text);
+
+/// "1 sample", "2 samples".
+std::string counted(std::uint64_t count, const std::string& noun);
 
 /// How many characters the first `length` bytes of a UTF-8 text are.
 std::size_t characterCount(const std::string& text, std::size_t length);

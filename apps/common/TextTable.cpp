@@ -27,16 +27,26 @@ void TextTable::addRow(const std::vector<std::string>& texts, std::optional<Colo
     }
 }
 
-void TextTable::write(ResultOutput& output) const
+std::vector<std::string> TextTable::lines() const
 {
     std::vector<std::string> titles;
     for (const TextColumn& column : m_columns) {
         titles.push_back(column.title);
     }
-    output.writeLine(lineOf(titles));
+    std::vector<std::string> lines = {lineOf(titles)};
     for (const Row& row : m_rows) {
-        const std::string line = lineOf(row.texts);
-        output.writeLine(row.colour ? output.coloured(*row.colour, line) : line);
+        lines.push_back(lineOf(row.texts));
+    }
+    return lines;
+}
+
+void TextTable::write(ResultOutput& output) const
+{
+    const std::vector<std::string> texts = lines();
+    output.writeLine(texts.front());
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        const std::optional<Colour>& colour = m_rows[i].colour;
+        output.writeLine(colour ? output.coloured(*colour, texts[i + 1]) : texts[i + 1]);
     }
 }
 

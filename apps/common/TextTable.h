@@ -23,7 +23,10 @@ public:
     /// One text for each column; control characters are shown as by printable().
     void addRow(const std::vector<std::string>& texts, std::optional<Colour> colour = std::nullopt);
 
-    /// Writes the titles and the rows.
+    /// The titles and the rows, without colours.
+    std::vector<std::string> lines() const;
+
+    /// Writes them.
     void write(ResultOutput& output) const;
 
 private:

@@ -1,66 +1,36 @@
 #include "rules/RuleDescription.h"
 
-#include <typeinfo>
-
 #include "EventMgmtRulesParsing.h"
+#include "rules/Comparison.h"
 #include "rules/RuleText.h"
 
 using namespace vemorRules;
 
 namespace {
 
-// Words for each operator, and for the one that means the same with the operands exchanged.
-struct OperatorWords {
-    const char* asWritten;
-    const char* exchanged;
-};
-
-const OperatorWords operatorWords[] = {
-    {">", "<"}, {">=", "<="}, {"<", ">"}, {"<=", ">="}, {"==", "=="}, {"!=", "!="}, {"and", "and"}, {"or", "or"},
-};
-
-const Expression& nestedExpression(const boost::any& operand)
-{
-    return boost::any_cast<const Expression&>(operand);
-}
-
-std::string numberText(const boost::any& operand, bool isUnsigned)
-{
-    if (const auto* const pUnsigned = boost::any_cast<unsigned int>(&operand)) {
-        return std::to_string(*pUnsigned);
-    }
-    const int number = boost::any_cast<int>(operand);
-    // The thresholds of an unsigned hysteresis are stored as int, with the same 32 bits.
-    return isUnsigned ? std::to_string(static_cast<unsigned int>(number)) : std::to_string(number);
-}
-
 // "> 100", with the monitored quantity thought before it.
-std::string comparisonWords(const Expression& comparison, bool isUnsigned)
+std::string comparisonWords(const Expression& expression, bool isUnsigned)
 {
-    const OperatorWords& words = operatorWords[comparison.m_relationalOperator];
-    const bool isFieldLeft = (comparison.m_leftOperand.type() == typeid(ParamField));
-    return isFieldLeft ? words.asWritten + (" " + numberText(comparison.m_rightOperand, isUnsigned))
-                       : words.exchanged + (" " + numberText(comparison.m_leftOperand, isUnsigned));
+    const Comparison comparison = comparisonOf(expression, isUnsigned);
+    return operatorText(comparison.relationalOperator) + (" " + std::to_string(comparison.limit));
 }
 
 std::string conditionWords(const Expression& condition, const std::string& before, bool isUnsigned)
 {
-    const bool isJoined = (condition.m_leftOperand.type() == typeid(Expression));
-    if (!isJoined) {
+    if (!isJoined(condition)) {
         return before + comparisonWords(condition, isUnsigned);
     }
     return before + comparisonWords(nestedExpression(condition.m_leftOperand), isUnsigned) + " " +
-           operatorWords[condition.m_relationalOperator].asWritten + " " + before +
+           operatorText(condition.m_relationalOperator) + " " + before +
            comparisonWords(nestedExpression(condition.m_rightOperand), isUnsigned);
 }
 
 std::string hysteresisWords(const Expression& keeping, const Expression& raising, bool isUnsigned)
 {
-    const Expression& keepingComparison = nestedExpression(keeping.m_rightOperand);
-    const bool isUpper = (keepingComparison.m_relationalOperator == GREATER_THAN);
+    const Comparison keepingComparison = comparisonOf(nestedExpression(keeping.m_rightOperand), isUnsigned);
+    const bool isUpper = (keepingComparison.relationalOperator == GREATER_THAN);
     return "raised when value " + comparisonWords(nestedExpression(raising.m_rightOperand), isUnsigned) +
-           ", cleared when value " + (isUpper ? "<= " : ">= ") +
-           numberText(keepingComparison.m_rightOperand, isUnsigned);
+           ", cleared when value " + (isUpper ? "<= " : ">= ") + std::to_string(keepingComparison.limit);
 }
 
 }  // namespace

@@ -41,19 +41,19 @@ std::vector<std::string> RuleSession::conditionNames() const
 
 std::vector<ConditionState> RuleSession::evaluate(SampleValue sample)
 {
-    const bool isDecided = (m_rule.m_expressionType != SIMPLE_EXPRESSION_DELTA) || m_previousSample;
-    const std::array<bool, 2> wasRaised = m_isRaised;
+    const bool isDecided = (m_rule.m_expressionType != SIMPLE_EXPRESSION_DELTA) || m_memory.previousSample;
+    const std::array<bool, 2> wasRaised = m_memory.isRaised;
     if (isDecided) {
         m_isUnsigned ? decide(static_cast<unsigned int>(sample)) : decide(static_cast<int>(sample));
     }
-    m_previousSample = sample;
+    m_memory.previousSample = sample;
     if (!isDecided) {
         return {};
     }
     std::vector<ConditionState> states;
     for (const std::string& name : conditionNames()) {
         const std::size_t i = states.size();
-        states.push_back({name, m_isRaised[i], m_isRaised[i] != wasRaised[i]});
+        states.push_back({name, m_memory.isRaised[i], m_memory.isRaised[i] != wasRaised[i]});
     }
     return states;
 }
@@ -62,12 +62,16 @@ template <typename T>
 void RuleSession::decide(T sample)
 {
     switch (m_rule.m_expressionType) {
-        case SIMPLE_EXPRESSION_VALUE: m_isRaised[0] = checkSimpleValueRule<T>(m_rule, sample); break;
+        case SIMPLE_EXPRESSION_VALUE: m_memory.isRaised[0] = checkSimpleValueRule<T>(m_rule, sample); break;
         case SIMPLE_EXPRESSION_DELTA:
-            m_isRaised[0] = checkSimpleDeltaRule<T>(m_rule, static_cast<T>(*m_previousSample), sample);
+            m_memory.isRaised[0] = checkSimpleDeltaRule<T>(m_rule, static_cast<T>(*m_memory.previousSample), sample);
             break;
-        case SINGLE_HYSTERESIS: m_isRaised[0] = checkSingleHysteresisRule<T>(m_rule, sample, m_isRaised[0]); break;
-        case DOUBLE_HYSTERESIS: checkDoubleHysteresisRule<T>(m_rule, sample, m_isRaised[0], m_isRaised[1]); break;
+        case SINGLE_HYSTERESIS:
+            m_memory.isRaised[0] = checkSingleHysteresisRule<T>(m_rule, sample, m_memory.isRaised[0]);
+            break;
+        case DOUBLE_HYSTERESIS:
+            checkDoubleHysteresisRule<T>(m_rule, sample, m_memory.isRaised[0], m_memory.isRaised[1]);
+            break;
         case NO_EXPRESSION: break;
     }
 }

@@ -38,10 +38,23 @@ struct ConditionState {
     bool hasChanged;  ///< since the sample before; every condition starts cleared
 };
 
+/// What a session carries from one sample to the next.
+struct RuleMemory {
+    std::optional<SampleValue> previousSample;
+    std::array<bool, 2> isRaised{};  ///< the only condition, or upper and lower
+};
+
 class RuleSession {
 public:
     /// `rule` can be evaluated (reasonAgainstEvaluation).
     RuleSession(const vemorRules::RuleObject& rule, bool isUnsigned);
+
+    const vemorRules::RuleObject& rule() const { return m_rule; }
+    bool isUnsigned() const { return m_isUnsigned; }
+
+    /// To be kept and given to a session of the same rule, which then goes on where this one was.
+    const RuleMemory& memory() const { return m_memory; }
+    void setMemory(const RuleMemory& memory) { m_memory = memory; }
 
     /// The names of the conditions, in the order in which evaluate tells their states.
     std::vector<std::string> conditionNames() const;
@@ -56,8 +69,7 @@ private:
 
     vemorRules::RuleObject m_rule;
     bool m_isUnsigned;
-    std::optional<SampleValue> m_previousSample;
-    std::array<bool, 2> m_isRaised{};  ///< of the only condition, or of upper and lower
+    RuleMemory m_memory;
 };
 
 #endif

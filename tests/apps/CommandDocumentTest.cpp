@@ -73,6 +73,7 @@ TEST_P(CommandDocument, ShowsWhatTheCommandPrints)
 INSTANTIATE_TEST_SUITE_P(
     Every, CommandDocument,
     testing::Values(Document{"command.md", 8}, Document{"tables.md", 20}, Document{"ports.md", 1},
+                    Document{"monitor.md", 12, {{"--slot", "3"}}},
                     Document{"cards.md",
                              15,
                              {{"--slot", "3"}, {"--slot", "5", "--source", "wave:" EXAMPLES_DIR "/signals.yaml"}}}));

@@ -47,6 +47,22 @@ TEST(RuleSession, DecidesNothingOnTheFirstSampleOfADeltaRule)
     EXPECT_EQ(session.evaluate(104), (States{{"", false, true}}));
 }
 
+TEST(RuleSession, GoesOnWithTheMemoryOfAnother)
+{
+    RuleSession delta = sessionOf("expr=unsigned(delta>5)");
+    delta.evaluate(100);
+    RuleSession hysteresis = sessionOf("expr=signed(hyshigh(70,80) hyslow(10,20))");
+    hysteresis.evaluate(81);
+
+    RuleSession secondDelta = sessionOf("expr=unsigned(delta>5)");
+    secondDelta.setMemory(delta.memory());
+    RuleSession secondHysteresis = sessionOf("expr=signed(hyshigh(70,80) hyslow(10,20))");
+    secondHysteresis.setMemory(hysteresis.memory());
+
+    EXPECT_EQ(secondDelta.evaluate(110), (States{{"", true, true}}));
+    EXPECT_EQ(secondHysteresis.evaluate(75), (States{{"upper", true, false}, {"lower", false, false}}));
+}
+
 TEST(RuleSession, CarriesTheTwoStatesOfADoubleHysteresis)
 {
     RuleSession session = sessionOf("expr=signed(hyshigh(70,80) hyslow(10,20))");
