@@ -25,7 +25,7 @@ template <typename Value>
 std::function<int(const boost::any&)> within(int lowest, int highest)
 {
     return [lowest, highest](const boost::any& any) {
-        const int value = boost::any_cast<Value>(any);
+        const auto value = boost::any_cast<Value>(any);
         return ((value >= lowest) && (value <= highest)) ? RESULT_OK : RESULT_WRONG_VALUE;
     };
 }

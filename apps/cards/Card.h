@@ -34,7 +34,7 @@ public:
 
 private:
     struct Write {
-        const CardObject* pObject;
+        const CardObject* pObject = nullptr;
         boost::any value;
     };
 

@@ -28,7 +28,7 @@ enum CardResult : int {
 constexpr std::size_t MAX_TEXT_LENGTH = 1000;
 
 struct CardObject {
-    OidValueType type;
+    OidValueType type = OID_TYPE_UINT64;
     std::function<boost::any()> read;
     std::function<int(const boost::any&)> check;   ///< of a value of the right type; none: read only
     std::function<void(const boost::any&)> write;  ///< takes a value that was checked

@@ -95,7 +95,8 @@ private:
     {
         const Number total = sum(after) - sum(before);
         const Number idle = after[IDLE] + after[IO_WAIT] - before[IDLE] - before[IO_WAIT];
-        return ((total == 0) || (idle > total)) ? 0 : static_cast<unsigned char>((total - idle) * 100 / total);
+        const bool isMeasured = (total > 0) && (idle <= total);
+        return static_cast<unsigned char>(isMeasured ? (total - idle) * 100 / total : 0);
     }
 
     std::vector<Number> m_ticks = std::vector<Number>(NUMBER_OF_CPU_COLUMNS);  // first: since the host started

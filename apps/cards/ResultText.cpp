@@ -5,7 +5,7 @@
 
 namespace {
 
-const ResultText GENERAL_RESULTS[] = {
+constexpr ResultText GENERAL_RESULTS[] = {
     {"SUCCESS", "done"},
     {"GENERAL_ERROR", "the service does not know this interface, version or operation"},
     {"TIMEOUT", "the card did not answer in time"},
@@ -17,7 +17,7 @@ const ResultText GENERAL_RESULTS[] = {
     {"MESSAGE_TOO_SHORT", "the request is cut off"},
 };
 
-const ResultText CARD_RESULTS[] = {
+constexpr ResultText CARD_RESULTS[] = {
     {"RESULT OK", "done"},
     {"RESULT PROTOCOL VERSION_MISMATCH", "service and card speak different versions"},
     {"RESULT DUPLICATE MSG", "the card had this message before"},

@@ -9,8 +9,8 @@ constexpr std::int32_t NO_ANSWER = -1;       ///< the call failed
 constexpr std::int32_t UNSOUND_ANSWER = -2;  ///< the answer is no stream of the values that were asked for
 
 struct ResultText {
-    std::string name;
-    std::string meaning;
+    const char* name;
+    const char* meaning;
 };
 
 /// What an ICSC result code is called and means.

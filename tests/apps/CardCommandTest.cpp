@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -37,15 +36,30 @@ protected:
                                                     "BRANTEL_MESSAGE_DIRECTORY="};
 };
 
-std::string withoutTimes(const std::string& text)
+// `text` with `by` in place of whatever looks like `pattern`, in which "0" stands for any digit.
+std::string replaced(std::string text, const std::string& pattern, const std::string& by)
 {
-    static const std::regex time("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}");
-    return std::regex_replace(text, time, "TIME");
+    const auto looksLike = [](char patternCharacter, char character) {
+        return (patternCharacter == '0') ? ((character >= '0') && (character <= '9')) : (patternCharacter == character);
+    };
+    for (;;) {
+        const auto found = std::search(text.begin(), text.end(), pattern.begin(), pattern.end(),
+                                       [&](char character, char wanted) { return looksLike(wanted, character); });
+        if (found == text.end()) {
+            return text;
+        }
+        text.replace(found, found + static_cast<std::ptrdiff_t>(pattern.size()), by);
+    }
 }
 
-std::string withoutSeconds(const std::string& text)
+std::string withoutTimes(const std::string& text)
 {
-    return std::regex_replace(text, std::regex(" *[0-9]+ s|\"card.uptime\":[0-9]+"), " # s");
+    return replaced(text, "0000-00-00T00:00:00.000", "TIME");
+}
+
+std::string withoutUptimes(const std::string& text)
+{
+    return replaced(replaced(text, "0 s  ", "# s  "), "\"card.uptime\":0", "\"card.uptime\":#");
 }
 
 constexpr const char* LED =
@@ -284,13 +298,13 @@ TEST_F(CardCommand, ListsTheCards)
     const CardProcess nine({"--slot", "9", "--fault", "wrong-type"}, m_environment);
     const CommandResult list = brantel({"card", "list"});
     EXPECT_EQ(list.exitCode, 0);
-    EXPECT_EQ(withoutSeconds(list.out),
+    EXPECT_EQ(withoutUptimes(list.out),
               "Slot  Uptime  Name    Source\n"
-              "   3 # s  card 3  host\n"
+              "   3     # s  card 3  host\n"
               "   9       -  -       failed: unsound answer: the card sent something else than the values that were "
               "asked for\n");
-    EXPECT_EQ(withoutSeconds(brantel({"card", "list", "--json"}).out),
-              "{\"slot\":3,\"card.name\":\"card 3\",\"card.source\":\"host\", # s}\n"
+    EXPECT_EQ(withoutUptimes(brantel({"card", "list", "--json"}).out),
+              "{\"slot\":3,\"card.name\":\"card 3\",\"card.source\":\"host\",\"card.uptime\":#}\n"
               "{\"slot\":9,\"failure\":{\"code\":-2,\"name\":\"unsound answer\",\"meaning\":\"the card sent something "
               "else than the values that were asked for\"}}\n");
 }

@@ -151,6 +151,22 @@ TEST(Buffer, WritesANestedBufferAsItsLengthAndBytes)
     EXPECT_EQ(hexOf(readFrom<buffer_t>("00000000")), "");
 }
 
+TEST(Buffer, WritesStringsAndNestedBuffersOfEveryLengthWithoutChangingTheirBytes)
+{
+    std::string text;
+    for (char next = 0; text.size() < 100; text += ++next) {
+        buffer_t ofString;
+        buffer_t ofBuffer;
+        ofString << text << true;
+        ofBuffer << buffer_t(text.data(), text.size()) << true;
+
+        const std::string bytes = std::string(3, '\0') + static_cast<char>(text.size()) + text + '\1';
+        const std::string expected = hexOf(buffer_t(bytes.data(), bytes.size()));
+        EXPECT_EQ(hexOf(ofString), expected);
+        EXPECT_EQ(hexOf(ofBuffer), expected);
+    }
+}
+
 TEST(Buffer, NestsAllBytesOfABufferWhateverWasReadOfThem)
 {
     const buffer_t nested = bufferOf("AABBCC");

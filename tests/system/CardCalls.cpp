@@ -34,8 +34,8 @@ constexpr std::uint32_t SLOTS = 10;
 constexpr std::uint32_t CARD_SLOT = 0x00010001;
 constexpr std::int32_t TIMEOUT = 5;
 constexpr std::chrono::seconds WAIT_TIME{TIMEOUT + 2};
-constexpr std::chrono::seconds SLACK{1};           // a machine that does other things as well
-constexpr std::size_t MEMORY_SLACK = 1024 * 1024;  // the queues of 20 sockets take chunk after chunk at first
+constexpr std::chrono::seconds SLACK{1};         // a machine that does other things as well
+constexpr std::size_t MEMORY_SLACK = 1'000'000;  // the queues of 20 sockets take chunk after chunk at first
 
 void require(bool holds, const std::string& what)
 {
@@ -133,7 +133,7 @@ public:
 private:
     struct Request {
         Clock::time_point sent;
-        std::uint64_t confirmedBefore;
+        std::uint64_t confirmedBefore = 0;
     };
 
     static IcscClientProxy& client() { return IcscClientProxy::getInstance(); }

@@ -154,31 +154,31 @@ bool convertOidTypeValueContainerToTlvs(const OidTypeValueContainer& values, buf
 {
     try {
         tlvs << static_cast<std::uint32_t>(values.size());
+        // NOLINTNEXTLINE(modernize-loop-convert): the reports name the element by its index
         for (std::size_t i = 0; i < values.size(); ++i) {
-            const OidTypeValue& entry = values[i];
-            switch (entry.type) {
-                case OID_TYPE_UINT64: appendAs<unsigned long long>(entry, tlvs); break;
-                case OID_TYPE_UINT32: appendAs<unsigned int>(entry, tlvs); break;
-                case OID_TYPE_UINT16: appendAs<unsigned short>(entry, tlvs); break;
-                case OID_TYPE_UINT8: appendAs<unsigned char>(entry, tlvs); break;
-                case OID_TYPE_INT64: appendAs<long long>(entry, tlvs); break;
-                case OID_TYPE_INT32: appendAs<int>(entry, tlvs); break;
-                case OID_TYPE_INT16: appendAs<short>(entry, tlvs); break;
-                case OID_TYPE_INT8: appendAs<signed char>(entry, tlvs); break;
-                case OID_TYPE_BOOL: appendAs<bool>(entry, tlvs); break;
-                case OID_TYPE_STRING: appendAs<std::string>(entry, tlvs); break;
+            switch (values[i].type) {
+                case OID_TYPE_UINT64: appendAs<unsigned long long>(values[i], tlvs); break;
+                case OID_TYPE_UINT32: appendAs<unsigned int>(values[i], tlvs); break;
+                case OID_TYPE_UINT16: appendAs<unsigned short>(values[i], tlvs); break;
+                case OID_TYPE_UINT8: appendAs<unsigned char>(values[i], tlvs); break;
+                case OID_TYPE_INT64: appendAs<long long>(values[i], tlvs); break;
+                case OID_TYPE_INT32: appendAs<int>(values[i], tlvs); break;
+                case OID_TYPE_INT16: appendAs<short>(values[i], tlvs); break;
+                case OID_TYPE_INT8: appendAs<signed char>(values[i], tlvs); break;
+                case OID_TYPE_BOOL: appendAs<bool>(values[i], tlvs); break;
+                case OID_TYPE_STRING: appendAs<std::string>(values[i], tlvs); break;
                 case OID_TYPE_IPV4_ADDRESS:
                     ASSERT_OR_REPORT(isIPv4Address(values[i].value));
-                    appendIPv4Address(entry, tlvs);
+                    appendIPv4Address(values[i], tlvs);
                     break;
-                case OID_TYPE_BUFFER: appendAs<buffer_t>(entry, tlvs); break;
+                case OID_TYPE_BUFFER: appendAs<buffer_t>(values[i], tlvs); break;
                 case OID_TYPE_MAC_ADDRESS:
                     ASSERT_OR_REPORT(isUInt64(values[i].value));
-                    appendMacAddress(entry, tlvs);
+                    appendMacAddress(values[i], tlvs);
                     break;
                 default:
-                    LOG_ERROR("invalid or not yet implemented type  (%d) for oid=0x%x", static_cast<int>(entry.type),
-                              entry.oid);
+                    LOG_ERROR("invalid or not yet implemented type  (%d) for oid=0x%x",
+                              static_cast<int>(values[i].type), values[i].oid);
                     ASSERT_OR_REPORT(false);
                     return false;
             }

@@ -38,7 +38,11 @@ class __attribute__((visibility("default"))) buffer_t {
 public:
     static constexpr std::size_t CAPACITY = 2048;
 
-    buffer_t() noexcept {}  // not defaulted: buffer_t{} would set every byte to zero
+    // The bytes are set as far as they are in use.
+    // NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
+
+    // NOLINTNEXTLINE(modernize-use-equals-default): buffer_t{} would set every byte to zero
+    buffer_t() noexcept {}
 
     /// Takes a copy of `length` bytes. Throws std::length_error if they are more than the capacity.
     buffer_t(const void* bytes, std::size_t length) { assign(bytes, length); }
@@ -46,9 +50,11 @@ public:
     /// A copy holds the same bytes and reads on from the same position; both buffers are independent from then on.
     buffer_t(const buffer_t& other) noexcept { *this = other; }
 
+    // NOLINTEND(cppcoreguidelines-pro-type-member-init)
+
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp): std::memmove takes care of it
     buffer_t& operator=(const buffer_t& other) noexcept
     {
-        // Only the bytes in use; std::memmove because a buffer may be assigned to itself.
         std::memmove(m_bytes, other.m_bytes, other.m_length);
         m_length = other.m_length;
         m_readPosition = other.m_readPosition;
