@@ -1,7 +1,7 @@
 #include "commands/MonitorCommand.h"
 
 #include <charconv>
-#include <cmath>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,14 +57,10 @@ std::set<std::uint32_t> slotsOf(const std::string& text)
 // "1", "1s", "500ms"
 double secondsOf(const std::string& text)
 {
-    std::size_t length = 0;
-    double number = std::nan("");
-    try {
-        number = std::stod(text, &length);
-    } catch (const std::logic_error&) {
-        length = 0;
-    }
-    const std::string unit = text.substr(length);
+    const char* const pBegin = text.c_str();
+    char* pEnd = nullptr;
+    const double number = std::strtod(pBegin, &pEnd);
+    const std::string unit = pEnd;
     const double seconds = number * ((unit == "ms") ? 0.001 : 1);
     const bool isKnownUnit = unit.empty() || (unit == "s") || (unit == "ms");
     if (!isKnownUnit || !(seconds >= SHORTEST_INTERVAL) || !(seconds <= LONGEST_INTERVAL)) {

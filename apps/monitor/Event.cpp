@@ -1,8 +1,9 @@
 #include "monitor/Event.h"
 
 #include <array>
-#include <cstdio>
 #include <ctime>
+#include <iomanip>
+#include <sstream>
 
 #include <nlohmann/json.hpp>
 
@@ -13,6 +14,8 @@
 using Json = nlohmann::ordered_json;
 
 namespace {
+
+constexpr const char* TIME_FORMAT = "%Y-%m-%dT%H:%M:%S";
 
 constexpr std::array EVENT_KINDS{EventKind::RAISED, EventKind::CLEARED, EventKind::FAILED, EventKind::ANSWERS,
                                  EventKind::REFUSED};
@@ -30,16 +33,14 @@ std::optional<EventKind> eventKindOf(const std::string& text)
 std::optional<EventTime> timeOfText(const std::string& text)
 {
     std::tm utc = {};
+    std::istringstream stream(text);
     int milliseconds = 0;
-    int length = 0;
-    const int fields =
-        std::sscanf(text.c_str(), "%4d-%2d-%2dT%2d:%2d:%2d.%3dZ%n", &utc.tm_year, &utc.tm_mon, &utc.tm_mday,
-                    &utc.tm_hour, &utc.tm_min, &utc.tm_sec, &milliseconds, &length);  // NOLINT(cert-err34-c)
-    if ((fields != 7) || (static_cast<std::size_t>(length) != text.size())) {
+    char point = '\0';
+    char zone = '\0';
+    stream >> std::get_time(&utc, TIME_FORMAT) >> point >> milliseconds >> zone;
+    if (!stream || (stream.peek() != EOF) || (point != '.') || (zone != 'Z')) {
         return std::nullopt;
     }
-    utc.tm_year -= 1900;
-    utc.tm_mon -= 1;
     return EventTime(std::chrono::seconds(timegm(&utc)) + std::chrono::milliseconds(milliseconds));
 }
 
@@ -150,10 +151,8 @@ std::string timeText(EventTime time)
     const std::time_t utcSeconds = seconds.time_since_epoch().count();
     std::tm utc = {};
     gmtime_r(&utcSeconds, &utc);
-    std::array<char, 32> day{};
-    std::strftime(day.data(), day.size(), "%Y-%m-%dT%H:%M:%S", &utc);
-    std::array<char, 48> text{};
-    static_cast<void>(
-        std::snprintf(text.data(), text.size(), "%s.%03dZ", day.data(), static_cast<int>((time - seconds).count())));
-    return text.data();
+    std::ostringstream text;
+    text << std::put_time(&utc, TIME_FORMAT) << '.' << std::setw(3) << std::setfill('0') << (time - seconds).count()
+         << 'Z';
+    return text.str();
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
@@ -19,7 +20,7 @@ namespace {
 constexpr std::size_t FIRST_TAIL_SIZE = 65536;
 
 // How every line starts.
-const std::string LINE_START = "{\"event\":";
+constexpr std::string_view LINE_START = "{\"event\":";
 
 bool isStartOfLine(const std::string& text)
 {

@@ -16,10 +16,10 @@ constexpr std::size_t N_EVENTS = 8;
 constexpr const char* CLEARED = "cleared";
 
 // What a terminal does with these.
-const std::string SECOND_SCREEN = "\x1b[?1049h";
-const std::string FIRST_SCREEN = "\x1b[?1049l";
-const std::string HOME = "\x1b[H";
-const std::string CLEAR_BELOW = "\x1b[J";
+constexpr const char* SECOND_SCREEN = "\x1b[?1049h";
+constexpr const char* FIRST_SCREEN = "\x1b[?1049l";
+constexpr const char* HOME = "\x1b[H";
+constexpr const char* CLEAR_BELOW = "\x1b[J";
 
 struct TerminalSize {
     std::size_t width;
@@ -132,7 +132,7 @@ void LiveView::draw(const ConditionMonitor& monitor, const MonitorFigures& figur
         const std::string text = cutTo(printable(line.text), size.width);
         m_picture += (line.colour ? m_output.coloured(*line.colour, text) : text) + "\x1b[K\r\n";
     }
-    m_output.writeText((isFirst ? SECOND_SCREEN : "") + HOME + m_picture + CLEAR_BELOW);
+    m_output.writeText(std::string(isFirst ? SECOND_SCREEN : "") + HOME + m_picture + CLEAR_BELOW);
     m_output.finish();
 }
 

@@ -43,7 +43,7 @@ private:
                         [&](const Place& place, const sql::Row& row) { m_book.ignored.emplace(place, oidOf(row)); });
         forEachSoundRow(tables, tables.allow, [&](const Place& place, const sql::Row& row) {
             const std::uint32_t oid = oidOf(row);
-            const std::string& rule = std::get<std::string>(row.back());
+            const auto& rule = std::get<std::string>(row.back());
             const bool isEnabled = (m_book.enabledPlaces.count(place) != 0);
             const bool isIgnored = (m_book.ignored.count({place, oid}) != 0);
             if (isEnabled && !isIgnored && !vemorRules::isEmptyRule(rule)) {
@@ -82,7 +82,7 @@ private:
     // Of a row without faults.
     static std::uint32_t oidOf(const sql::Row& row)
     {
-        const std::string& text = std::get<std::string>(row[2]);
+        const auto& text = std::get<std::string>(row[2]);
         std::uint32_t oid = 0;
         std::from_chars(text.data(), text.data() + text.size(), oid);
         return oid;

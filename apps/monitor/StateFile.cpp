@@ -32,7 +32,7 @@ public:
     std::string word()
     {
         const std::size_t end = std::min(m_line.find(' ', m_position), m_line.size());
-        const std::string text = m_line.substr(m_position, end - m_position);
+        std::string text = m_line.substr(m_position, end - m_position);
         m_position = std::min(end + 1, m_line.size());
         return text;
     }
