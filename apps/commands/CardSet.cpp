@@ -33,7 +33,7 @@ OidTypeValue valueOfAssignment(const std::string& assignment)
     if (!value) {
         throw CommandError("'" + assignment + "': '" + text + "' is no " + typeName);
     }
-    const OidTypeValue result = {oidOfArgument(assignment.substr(0, posEqual)), *type, *value};
+    OidTypeValue result = {oidOfArgument(assignment.substr(0, posEqual)), *type, *value};
     if (!fitsIntoRequest(result)) {
         throw CommandError("the value for " + nameOfOid(result.oid) + " does not fit into a request of 2048 bytes");
     }

@@ -42,6 +42,7 @@ inline Reading readingOf(const std::map<std::uint32_t, int>& values)
 inline std::vector<std::string> sentencesOf(const std::vector<Event>& events)
 {
     std::vector<std::string> sentences;
+    sentences.reserve(events.size());
     for (const Event& event : events) {
         sentences.push_back(sentenceOf(event));
     }
