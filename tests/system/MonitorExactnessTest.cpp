@@ -58,7 +58,7 @@ public:
     {
         const std::string journal = contentOf(path("journal"));
         std::size_t finished = 0;
-        const std::string mark = "\"object\":\"csv.1\"";
+        const std::string mark = R"("object":"csv.1")";
         for (std::size_t pos = journal.find(mark); pos != std::string::npos; pos = journal.find(mark, pos + 1)) {
             ++finished;
         }

@@ -85,8 +85,8 @@ int main(int argc, char** argv)
         const std::string name = "ICSCClient" + std::to_string(slot) + ".ReadWriteAsync";
         cards.push_back(std::make_unique<SimpleCard>(component, name, slot == silentSlot));
     }
-    std::puts("ready");
-    std::fflush(stdout);
+    static_cast<void>(std::puts("ready"));
+    static_cast<void>(std::fflush(stdout));
     component.run();
     for (int slot = 0; slot < nCards; ++slot) {
         cards[static_cast<std::size_t>(slot)]->printReadings(slot);
