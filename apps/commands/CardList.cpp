@@ -26,7 +26,11 @@ constexpr std::chrono::seconds TIME_TO_CONNECT{1};
 constexpr int TIMEOUT = 1;
 constexpr int REPLY_WAIT_TIME = 2;
 
-const ObjectIdContainer DESCRIBING_OIDS = {oids::CARD_NAME, oids::CARD_SOURCE, oids::CARD_UPTIME};
+const ObjectIdContainer& describingOids()
+{
+    static const ObjectIdContainer describing = {oids::CARD_NAME, oids::CARD_SOURCE, oids::CARD_UPTIME};
+    return describing;
+}
 
 // Asks one slot what is in it. All slots are asked at the same time: empty ones cost no more than one wait.
 class SlotInquiry : private OBappsToICSC_1_0_PR {
@@ -51,7 +55,7 @@ public:
         }
         buffer_t tlvs;
         int result = 0;
-        convertObjectIdContainerToTlvs(DESCRIBING_OIDS, tlvs);
+        convertObjectIdContainerToTlvs(describingOids(), tlvs);
         m_isServed = true;
         m_isAnswered = m_proxy.ICSCRead(TIMEOUT, tlvs, result) != 0;
     }
@@ -61,7 +65,7 @@ private:
     {
         m_isAnswered = true;
         m_result = result;
-        if ((result == 0) && !convertTlvsToOidTypeValueMap(m_slot, tlvs, m_values, &DESCRIBING_OIDS)) {
+        if ((result == 0) && !convertTlvsToOidTypeValueMap(m_slot, tlvs, m_values, &describingOids())) {
             m_result = UNSOUND_ANSWER;
         }
     }

@@ -36,7 +36,10 @@ Examples:
 
 using Path = std::shared_ptr<std::string>;
 
-const std::map<std::string, TableFormat> formats{{"csv", TableFormat::CSV}, {"json", TableFormat::JSON}};
+std::map<std::string, TableFormat> formats()
+{
+    return {{"csv", TableFormat::CSV}, {"json", TableFormat::JSON}};
+}
 
 void checkOid(std::string& oid)
 {
@@ -162,7 +165,7 @@ void addImport(CLI::App& db, Invocation& invocation, const Path& path)
     import->add_option("file", options->file, "The file; - is standard input")->required()->type_name("FILE");
     import->add_option("--format", options->format, "csv or json, instead of what the name of the file says")
         ->type_name("FORMAT")
-        ->transform(CLI::CheckedTransformer(formats));
+        ->transform(CLI::CheckedTransformer(formats()));
     import->add_flag("--replace", options->replaces, "Empty the tables that the file is about before");
     import->callback([=, &invocation] { invocation.run = [=] { return importTables(*path, *options);
 };
@@ -178,7 +181,7 @@ void addExport(CLI::App& db, Invocation& invocation, const Path& path)
         ->type_name("TABLE");
     exporting->add_option("--format", options->format, "json, the default, or csv for one table")
         ->type_name("FORMAT")
-        ->transform(CLI::CheckedTransformer(formats));
+        ->transform(CLI::CheckedTransformer(formats()));
     exporting->callback([=, &invocation] { invocation.run = [=] { return exportTables(*path, *options); }; });
 }
 

@@ -77,7 +77,7 @@ public:
 private:
     void start(const std::string& title)
     {
-        m_svg << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << m_width << ' ' << HEIGHT << "\">\n"
+        m_svg << R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 )" << m_width << ' ' << HEIGHT << "\">\n"
               << "<style>\n"
               << "  text { font: 11px sans-serif; text-anchor: middle; }\n"
               << "  rect { fill: #fff; stroke: #444; }\n"

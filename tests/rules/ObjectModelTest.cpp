@@ -79,6 +79,15 @@ TEST(Expressions, KeepTheirOperandsWhenAnAssignedCopyIsChanged)
     EXPECT_EQ(described(copy), "((ParamField > int 5) and (ParamField < unsigned 8))");
 }
 
+TEST(Expressions, CanBeAssignedAPartOfThemselves)
+{
+    Expression expression = betweenFiveAndNine();
+    expression = boost::any_cast<const Expression&>(expression.m_leftOperand);
+    EXPECT_EQ(described(expression), "(ParamField > int 5)");
+    expression = static_cast<const Expression&>(expression);
+    EXPECT_EQ(described(expression), "(ParamField > int 5)");
+}
+
 TEST(RuleObjects, ShareNothingWithTheirCopies)
 {
     const RuleObject source{SIMPLE_EXPRESSION_VALUE, {betweenFiveAndNine()}};

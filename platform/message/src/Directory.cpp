@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -19,11 +20,11 @@ namespace {
 constexpr std::size_t MAX_SERVICE_NAME_LENGTH = 64;
 constexpr std::size_t MAX_SOCKET_PATH_LENGTH = sizeof(sockaddr_un::sun_path) - 1;
 
-const std::string IPC = "ipc://";
-const std::string TCP = "tcp://";
-const std::string INPROC = "inproc://";
+constexpr std::string_view IPC = "ipc://";
+constexpr std::string_view TCP = "tcp://";
+constexpr std::string_view INPROC = "inproc://";
 
-bool startsWith(const std::string& text, const std::string& prefix)
+bool startsWith(const std::string& text, std::string_view prefix)
 {
     return text.compare(0, prefix.size(), prefix) == 0;
 }
@@ -184,13 +185,13 @@ Route Directory::routeTo(const std::string& serviceName) const
                                  std::to_string(MAX_SOCKET_PATH_LENGTH) + " characters");
     }
     Route route;
-    route.endpoint = IPC + path;
+    route.endpoint = std::string(IPC) + path;
     return route;
 }
 
 std::string runtimeDirectory()
 {
-    const std::string path = runtimeDirectoryPath();
+    std::string path = runtimeDirectoryPath();
     if ((::mkdir(path.c_str(), S_IRWXU) != 0) && (errno != EEXIST)) {
         throwSystemError(path);
     }

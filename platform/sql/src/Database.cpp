@@ -316,8 +316,7 @@ std::optional<std::string> Database::differenceFrom(const TableDefinition& table
         int position = 0;
         for (const Field& field : columnsOf(table.definition)) {
             ++position;
-            std::string inColumn = inTable;
-            inColumn.append("column ").append(std::to_string(position)).append(" ");
+            const std::string inColumn = inTable + "column " + std::to_string(position) + " ";
             if (found.isDone()) {
                 return inColumn + "is missing; it should be " + described(field);
             }

@@ -73,6 +73,19 @@ struct BRANTEL_EXPORT Expression {
     {
     }
 
+    Expression(const Expression&) = default;
+    Expression(Expression&&) = default;
+    ~Expression() = default;
+
+    /// The source may also be a part of this expression, such as its left operand.
+    Expression& operator=(Expression source) noexcept
+    {
+        m_relationalOperator = source.m_relationalOperator;
+        m_leftOperand.swap(source.m_leftOperand);
+        m_rightOperand.swap(source.m_rightOperand);
+        return *this;
+    }
+
     RelationalOperator m_relationalOperator = GREATER_THAN;
     boost::any m_leftOperand;
     boost::any m_rightOperand;

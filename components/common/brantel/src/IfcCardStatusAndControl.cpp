@@ -33,7 +33,9 @@ template <typename T>
 BOOST_FORCEINLINE void appendElement(const OidTypeValue& entry, const T& value, buffer_t& tlvs)
 {
     buffer_t element;
-    element << entry.oid << static_cast<unsigned char>(entry.type & 0xFF) << value;
+    element << entry.oid;
+    element << static_cast<unsigned char>(entry.type & 0xFF);
+    element << value;
     tlvs << element;
 }
 
@@ -227,8 +229,8 @@ bool convertTlvsToOidTypeValueMap(std::uint32_t slot, const buffer_t& tlvs, OidT
                       static_cast<int>(requestedOids->size()), static_cast<int>(count));
             return false;
         }
-        buffer_t element;
         for (std::uint32_t i = 0; i < count; ++i) {
+            buffer_t element;
             std::uint32_t oid = 0;
             tlvs >> element;
             element >> oid;
