@@ -160,17 +160,14 @@ void addList(CLI::App& db, Invocation& invocation, const Path& path, EventTableK
 void addImport(CLI::App& db, Invocation& invocation, const Path& path)
 {
     const auto options = std::make_shared<ImportOptions>();
-    CLI::App* const import = db.add_subcommand("import", "Import rows from a file");
-    import->footer(IMPORT_FORMATS);
-    import->add_option("file", options->file, "The file; - is standard input")->required()->type_name("FILE");
-    import->add_option("--format", options->format, "csv or json, instead of what the name of the file says")
+    CLI::App* const importing = db.add_subcommand("import", "Import rows from a file");
+    importing->footer(IMPORT_FORMATS);
+    importing->add_option("file", options->file, "The file; - is standard input")->required()->type_name("FILE");
+    importing->add_option("--format", options->format, "csv or json, instead of what the name of the file says")
         ->type_name("FORMAT")
         ->transform(CLI::CheckedTransformer(formats()));
-    import->add_flag("--replace", options->replaces, "Empty the tables that the file is about before");
-    import->callback([=, &invocation] { invocation.run = [=] { return importTables(*path, *options);
-};
-}  // namespace
-);
+    importing->add_flag("--replace", options->replaces, "Empty the tables that the file is about before");
+    importing->callback([=, &invocation] { invocation.run = [=] { return importTables(*path, *options); }; });
 }
 
 void addExport(CLI::App& db, Invocation& invocation, const Path& path)

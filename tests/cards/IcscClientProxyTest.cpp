@@ -224,14 +224,14 @@ TEST_F(IcscClient, LogsACallThatFailed)
     subscribeAsync(3);
     failCalls();
     OidTypeValueMap values{{99, {OID_TYPE_BOOL, true}}};
-    EXPECT_EQ(client().getOidsSync(3, OIDS, values), -1);
-    EXPECT_FALSE(client().getOidsAsync(3, OIDS));
-    EXPECT_FALSE(client().setOids(3, VALUES, 5));
+    expectAtEveryTraceLevel([&values] { return client().getOidsSync(3, OIDS, values); }, -1,
+                            {errorLine(SOURCE, "getSetOidsCommon", "slot=%d: %s failed", "slot=3: ICSCRead failed")});
+    expectAtEveryTraceLevel(
+        [] { return client().getOidsAsync(3, OIDS); }, false,
+        {errorLine(SOURCE, "getOidsAsync", "slot=%d: ICSCRead() failed", "slot=3: ICSCRead() failed")});
+    expectAtEveryTraceLevel([] { return client().setOids(3, VALUES, 5); }, false,
+                            {errorLine(SOURCE, "getSetOidsCommon", "slot=%d: %s failed", "slot=3: ICSCWrite failed")});
     EXPECT_EQ(recordTexts(values), RecordTexts{"99: 8, bool true"});
-    EXPECT_EQ(m_diagnostics.take(),
-              (Diagnostics{errorLine(SOURCE, "getSetOidsCommon", "slot=%d: %s failed", "slot=3: ICSCRead failed"),
-                           errorLine(SOURCE, "getOidsAsync", "slot=%d: ICSCRead() failed", "slot=3: ICSCRead() failed"),
-                           errorLine(SOURCE, "getSetOidsCommon", "slot=%d: %s failed", "slot=3: ICSCWrite failed")}));
 }
 
 TEST_F(IcscClient, TakesOnlyMinusOneForACallThatFailed)
@@ -296,15 +296,14 @@ protected:
     void expectFailureOfReads(const ResultCase& resultCase)
     {
         answerWith(ANSWER, resultCase.result);
-        OidTypeValueMap values;
-        EXPECT_EQ(client().getOidsSync(3, OIDS, values), resultCase.result);
-        EXPECT_FALSE(client().getOidsAsync(3, OIDS));
-        EXPECT_EQ(recordTexts(values), RecordTexts{});
-
         const std::string format = "slot=%d: ICSCRead() returned error: %d=0x%x=%s";
         const std::string message = "slot=3: ICSCRead() returned error: " + resultCase.texts;
-        EXPECT_EQ(m_diagnostics.take(), (Diagnostics{errorLine(SOURCE, "getOidsSync", format, message),
-                                                     errorLine(SOURCE, "getOidsAsync", format, message)}));
+        OidTypeValueMap values;
+        expectAtEveryTraceLevel([&values] { return client().getOidsSync(3, OIDS, values); }, resultCase.result,
+                                {errorLine(SOURCE, "getOidsSync", format, message)});
+        expectAtEveryTraceLevel([] { return client().getOidsAsync(3, OIDS); }, false,
+                                {errorLine(SOURCE, "getOidsAsync", format, message)});
+        EXPECT_EQ(recordTexts(values), RecordTexts{});
     }
 };
 
@@ -325,10 +324,9 @@ TEST_F(IcscClientOnResultCode, FailsAWriteAndNamesIt)
     subscribe(3);
     for (const ResultCase& resultCase : ERROR_RESULTS) {
         answerWith("", resultCase.result);
-        EXPECT_FALSE(client().setOids(3, VALUES, 5));
-        EXPECT_EQ(m_diagnostics.take(),
-                  Diagnostics{errorLine(SOURCE, "setOids", "ICSCWrite() returned error: %d=0x%x=%s",
-                                        "ICSCWrite() returned error: " + resultCase.texts)});
+        expectAtEveryTraceLevel([] { return client().setOids(3, VALUES, 5); }, false,
+                                {errorLine(SOURCE, "setOids", "ICSCWrite() returned error: %d=0x%x=%s",
+                                           "ICSCWrite() returned error: " + resultCase.texts)});
     }
 }
 
@@ -337,14 +335,9 @@ TEST_F(IcscClientOnResultCode, OnlyWarnsOfADuplicateOrLostMessageInAWrite)
     subscribe(3);
     for (const ResultCase& resultCase : WRITE_WARNINGS) {
         answerWith("", resultCase.result);
-        m_diagnostics.setTraceLevel(4);
-        EXPECT_TRUE(client().setOids(3, VALUES, 5));
-        EXPECT_EQ(m_diagnostics.take(),
-                  Diagnostics{warningLine(SOURCE, "setOids", "ICSCWrite() returned warning: %d=0x%x=%s",
-                                          "ICSCWrite() returned warning: " + resultCase.texts)});
-        m_diagnostics.setTraceLevel(3);
-        EXPECT_TRUE(client().setOids(3, VALUES, 5));
-        EXPECT_EQ(m_diagnostics.take(), Diagnostics{});
+        expectAtEveryTraceLevel([] { return client().setOids(3, VALUES, 5); }, true,
+                                {warningLine(SOURCE, "setOids", "ICSCWrite() returned warning: %d=0x%x=%s",
+                                             "ICSCWrite() returned warning: " + resultCase.texts)});
     }
 }
 

@@ -134,8 +134,9 @@ Diagnostics writtenAt(std::int32_t traceLevel, const Diagnostics& all)
     Diagnostics written;
     std::copy_if(all.begin(), all.end(), std::back_inserter(written), [traceLevel](const std::string& text) {
         const bool isError = startsWith(text, "3 [ERROR]");
+        const bool isWarning = startsWith(text, "4 [WARNING]");
         const bool isDebug = startsWith(text, "7 [DEBUG3]");
-        return isError ? (traceLevel > 2) : isDebug ? (traceLevel > 8) : true;
+        return isError ? (traceLevel > 2) : isWarning ? (traceLevel > 3) : isDebug ? (traceLevel > 8) : true;
     });
     return written;
 }

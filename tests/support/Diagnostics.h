@@ -41,7 +41,7 @@ private:
 // Both in order.
 Diagnostics operator+(Diagnostics first, const Diagnostics& second);
 
-// What of `all` is written at `traceLevel`: error lines above 2, debug lines above 8, reports always.
+// What of `all` is written at `traceLevel`: error lines above 2, warnings above 3, debug lines above 8, reports always.
 Diagnostics writtenAt(std::int32_t traceLevel, const Diagnostics& all);
 
 // While one lives, syslog lines and assertion reports are captured and the trace level is the one given.
@@ -85,7 +85,7 @@ protected:
             EXPECT_EQ(act(), outcome);
             EXPECT_EQ(m_diagnostics.take(), writtenAt(0, all));
         }
-        for (const std::int32_t level : {INT32_MIN, 0, 2, 3, 8, 9, INT32_MAX}) {
+        for (const std::int32_t level : {INT32_MIN, 0, 2, 3, 4, 8, 9, INT32_MAX}) {
             SCOPED_TRACE("trace level " + std::to_string(level));
             m_diagnostics.setTraceLevel(level);
             EXPECT_EQ(act(), outcome);
