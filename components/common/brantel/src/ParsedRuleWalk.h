@@ -82,15 +82,18 @@ BOOST_FORCEINLINE bool walkNestedComparison(const boost::any& operand, T value, 
            walkComparison(*boost::unsafe_any_cast<Expression>(&operand), value, result);
 }
 
-// Two nested comparisons.
+// Two nested comparisons, joined by "and" or "or".
 template <typename T>
 BOOST_FORCEINLINE bool walkCombination(const Expression& expression, T value, bool& result)
 {
     bool left = false;
     bool right = false;
-    return walkNestedComparison(expression.m_leftOperand, value, left) &&
-           walkNestedComparison(expression.m_rightOperand, value, right) &&
-           applyOperator<int>(expression.m_relationalOperator, left, right, result);
+    if (!walkNestedComparison(expression.m_leftOperand, value, left) ||
+        !walkNestedComparison(expression.m_rightOperand, value, right)) {
+        return false;
+    }
+    result = (expression.m_relationalOperator == LOGICAL_AND) ? (left && right) : (left || right);
+    return true;
 }
 
 // The expression of a value or delta rule: a combination or a comparison.
