@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "cards/OidTable.h"
-#include "cards/ResultText.h"
 #include "cards/ValueText.h"
 #include "common/CommandLine.h"
 
@@ -47,7 +46,7 @@ bool CardClient::startReading(const ObjectIdContainer& request)
     return IcscClientProxy::getInstance().getOidsAsync(m_slot, request);
 }
 
-std::int32_t CardClient::write(const OidTypeValueContainer& values, std::int32_t timeout)
+CallOutcome CardClient::write(const OidTypeValueContainer& values, std::int32_t timeout)
 {
     buffer_t tlvs;
     std::int32_t result = 0;

@@ -35,7 +35,7 @@ public:
     bool startReading(const ObjectIdContainer& request);
 
     /// Writes values that fit into one request. Returns the result code, or NO_ANSWER.
-    std::int32_t write(const OidTypeValueContainer& values, std::int32_t timeout);
+    CallOutcome write(const OidTypeValueContainer& values, std::int32_t timeout);
 
 private:
     const std::uint32_t m_slot;

@@ -3,7 +3,6 @@
 #include <cstddef>
 
 #include "cards/OidTable.h"
-#include "cards/ResultText.h"
 #include "message/OBresult.h"
 
 namespace {
@@ -89,16 +88,16 @@ void ReadPlan::putHalvesBack(const ObjectIdContainer& request)
     m_requests.emplace_front(request.begin(), middle);
 }
 
-void ReadPlan::fail(const ObjectIdContainer& request, std::int32_t result)
+void ReadPlan::fail(const ObjectIdContainer& request, CallOutcome outcome)
 {
     for (const std::uint32_t oid : request) {
-        m_reading.failures[oid] = result;
+        m_reading.failures[oid] = outcome;
     }
 }
 
-void ReadPlan::failAll(std::int32_t result)
+void ReadPlan::failAll(CallOutcome outcome)
 {
     while (!isDone()) {
-        fail(takeRequest(), result);
+        fail(takeRequest(), outcome);
     }
 }

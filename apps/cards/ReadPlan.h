@@ -16,11 +16,12 @@
 #include <map>
 
 #include "IfcCardStatusAndControl.h"
+#include "cards/ResultText.h"
 
 /// What became of the objects that were asked for: each is in one of the two.
 struct Reading {
     OidTypeValueMap values;
-    std::map<std::uint32_t, std::int32_t> failures;  ///< result codes, NO_ANSWER or UNSOUND_ANSWER
+    std::map<std::uint32_t, CallOutcome> failures;
 };
 
 class ReadPlan {
@@ -49,8 +50,8 @@ private:
     ObjectIdContainer takeRequest();
     void takeValues(const ObjectIdContainer& request, const buffer_t& tlvs);
     void putHalvesBack(const ObjectIdContainer& request);
-    void fail(const ObjectIdContainer& request, std::int32_t result);
-    void failAll(std::int32_t result);
+    void fail(const ObjectIdContainer& request, CallOutcome outcome);
+    void failAll(CallOutcome outcome);
 
     std::uint32_t m_slot;
     std::deque<ObjectIdContainer> m_requests;

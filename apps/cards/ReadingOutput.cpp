@@ -25,10 +25,10 @@ Json jsonOfValue(const TypeValueRecord& record)
     return textOfValue(record.type, record.value);
 }
 
-Json jsonOfResult(std::int32_t code)
+Json jsonOfResult(CallOutcome outcome)
 {
-    const ResultText text = resultTextOf(code);
-    return {{"code", code}, {"name", text.name}, {"meaning", text.meaning}};
+    const ResultText text = resultTextOf(outcome);
+    return {{"code", isResultCode(outcome) ? Json(outcome) : Json()}, {"name", text.name}, {"meaning", text.meaning}};
 }
 
 std::string lineOfJson(const Json& json)

@@ -10,8 +10,8 @@
 
 nlohmann::ordered_json jsonOfValue(const TypeValueRecord& record);
 
-/// "code", "name" and "meaning".
-nlohmann::ordered_json jsonOfResult(std::int32_t code);
+/// "code", null where there is no result code, "name" and "meaning".
+nlohmann::ordered_json jsonOfResult(CallOutcome outcome);
 
 /// One line; bytes that are not UTF-8 are replaced.
 std::string lineOfJson(const nlohmann::ordered_json& json);

@@ -38,16 +38,16 @@ constexpr ResultText CARD_RESULTS[] = {
 
 }  // namespace
 
-ResultText resultTextOf(std::int32_t code)
+ResultText resultTextOf(CallOutcome outcome)
 {
-    if (code == NO_ANSWER) {
+    if (outcome == NO_ANSWER) {
         return {"no answer", "nobody serves the slot, or nothing came back in time"};
     }
-    if (code == UNSOUND_ANSWER) {
+    if (outcome == UNSOUND_ANSWER) {
         return {"unsound answer", "the card sent something else than the values that were asked for"};
     }
-    const std::uint32_t generalResult = static_cast<std::uint32_t>(code) >> 24U;
-    const std::uint32_t cardResult = static_cast<std::uint32_t>(code) & 0x00FFFFFFU;
+    const std::uint32_t generalResult = static_cast<std::uint32_t>(outcome) >> 24U;
+    const std::uint32_t cardResult = static_cast<std::uint32_t>(outcome) & 0x00FFFFFFU;
     if ((generalResult == 0) && (cardResult < std::size(CARD_RESULTS))) {
         return CARD_RESULTS[cardResult];
     }
@@ -57,12 +57,12 @@ ResultText resultTextOf(std::int32_t code)
     return {"unknown", "a result code without a meaning"};
 }
 
-std::string describeResult(std::int32_t code)
+std::string describeResult(CallOutcome outcome)
 {
-    const ResultText text = resultTextOf(code);
+    const ResultText text = resultTextOf(outcome);
     std::ostringstream line;
-    if ((code != NO_ANSWER) && (code != UNSOUND_ANSWER)) {
-        line << std::dec << code << "=0x" << std::hex << static_cast<std::uint32_t>(code) << '=';
+    if (isResultCode(outcome)) {
+        line << std::dec << outcome << "=0x" << std::hex << static_cast<std::uint32_t>(outcome) << '=';
     }
     line << text.name << ": " << text.meaning;
     return line.str();

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "commands/CardGet.h"
 #include "commands/CardList.h"
@@ -108,24 +109,31 @@ void addCardServe(CLI::App& card, Invocation& invocation)
     card.add_option("--source", options->source, "Where values come from: host, csv:FILE or wave:FILE")
         ->type_name("SOURCE")
         ->capture_default_str();
-    card.add_option("--time-column", options->timeColumn, "csv: column of the times; 'time', if there is one")
-        ->type_name("NAME");
-    card.add_option("--interval", options->interval, "csv: seconds between rows without times")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(SHORTEST_INTERVAL, LONGEST_INTERVAL))
-        ->capture_default_str();
-    card.add_option("--speed", options->speed, "csv: 2 replays twice as fast as recorded")
-        ->type_name("FACTOR")
-        ->check(CLI::Range(0.001, 1000.0))
-        ->capture_default_str();
-    card.add_flag("--step", options->isStepped, "csv: the next row when a column is read again, whatever the time");
+    const std::vector<const CLI::Option*> ofRecordings = {
+        card.add_option("--time-column", options->timeColumn, "csv: column of the times; 'time', if there is one")
+            ->type_name("NAME"),
+        card.add_option("--interval", options->interval, "csv: seconds between rows without times")
+            ->type_name("SECONDS")
+            ->check(CLI::Range(SHORTEST_INTERVAL, LONGEST_INTERVAL))
+            ->capture_default_str(),
+        card.add_option("--speed", options->speed, "csv: 2 replays twice as fast as recorded")
+            ->type_name("FACTOR")
+            ->check(CLI::Range(0.001, 1000.0))
+            ->capture_default_str(),
+        card.add_flag("--step", options->isStepped, "csv: the next row when a column is read again, whatever the time"),
+    };
     card.add_option("--fault", options->faults, "Faults to start with, separated by commas")->type_name("FAULTS");
-    card.callback([&card, options, &invocation, slot] {
+    card.callback([&card, options, &invocation, slot, ofRecordings] {
         if (!card.get_subcommands().empty()) {
             return;
         }
         if (slot->count() == 0) {
             throw CLI::RequiredError("--slot");
+        }
+        for (const CLI::Option* const option : ofRecordings) {
+            if ((option->count() > 0) && !isRecording(*options)) {
+                throw CLI::ValidationError(option->get_name(), "only with --source csv:FILE");
+            }
         }
         invocation.run = [options] { return serveCard(*options); };
     });

@@ -45,7 +45,7 @@ public:
     std::uint32_t slot() const { return m_slot; }
     bool isServed() const { return m_isServed; }
     bool isAnswered() const { return m_isAnswered; }
-    std::int32_t result() const { return m_result; }
+    CallOutcome outcome() const { return m_outcome; }
     const OidTypeValueMap& values() const { return m_values; }
 
     void askOnceConnected()
@@ -64,16 +64,16 @@ private:
     void ICSCReadReply(const OBmessage&, const buffer_t& tlvs, int result) override
     {
         m_isAnswered = true;
-        m_result = result;
+        m_outcome = result;
         if ((result == 0) && !convertTlvsToOidTypeValueMap(m_slot, tlvs, m_values, &describingOids())) {
-            m_result = UNSOUND_ANSWER;
+            m_outcome = UNSOUND_ANSWER;
         }
     }
 
     const std::uint32_t m_slot;
     bool m_isServed = false;
     bool m_isAnswered = false;
-    std::int32_t m_result = NO_ANSWER;
+    CallOutcome m_outcome = NO_ANSWER;
     OidTypeValueMap m_values;
     OBappsToICSC_1_0_P m_proxy;
 };
@@ -109,8 +109,8 @@ std::string textOf(const SlotInquiry& inquiry, std::uint32_t oid)
 void addRow(TextTable& table, const SlotInquiry& inquiry)
 {
     const std::string slot = std::to_string(inquiry.slot());
-    if (inquiry.result() != 0) {
-        table.addRow({slot, "-", "-", "failed: " + describeResult(inquiry.result())}, Colour::RED);
+    if (inquiry.outcome() != 0) {
+        table.addRow({slot, "-", "-", "failed: " + describeResult(inquiry.outcome())}, Colour::RED);
     } else {
         table.addRow({slot, textOf(inquiry, oids::CARD_UPTIME) + " s", textOf(inquiry, oids::CARD_NAME),
                       textOf(inquiry, oids::CARD_SOURCE)});
@@ -120,8 +120,8 @@ void addRow(TextTable& table, const SlotInquiry& inquiry)
 Json jsonOf(const SlotInquiry& inquiry)
 {
     Json json = {{"slot", inquiry.slot()}};
-    if (inquiry.result() != 0) {
-        json["failure"] = jsonOfResult(inquiry.result());
+    if (inquiry.outcome() != 0) {
+        json["failure"] = jsonOfResult(inquiry.outcome());
     }
     for (const auto& [oid, record] : inquiry.values()) {
         json[nameOfOid(oid)] = jsonOfValue(record);

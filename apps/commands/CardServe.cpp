@@ -14,12 +14,17 @@ std::optional<std::string> afterPrefix(const std::string& text, const std::strin
     return (text.compare(0, prefix.size(), prefix) == 0) ? std::optional(text.substr(prefix.size())) : std::nullopt;
 }
 
+std::optional<std::string> csvFileOf(const CardServeOptions& options)
+{
+    return afterPrefix(options.source, "csv:");
+}
+
 CardObjects objectsOfSource(const CardServeOptions& options)
 {
     CardObjects objects;
     if (options.source == "host") {
         addHostObjects(objects);
-    } else if (const auto csvFile = afterPrefix(options.source, "csv:")) {
+    } else if (const auto csvFile = csvFileOf(options)) {
         addCsvObjects(objects, {*csvFile, options.timeColumn, options.interval, options.speed, options.isStepped});
     } else if (const auto waveFile = afterPrefix(options.source, "wave:")) {
         addWaveObjects(objects, *waveFile);
@@ -30,6 +35,11 @@ CardObjects objectsOfSource(const CardServeOptions& options)
 }
 
 }  // namespace
+
+bool isRecording(const CardServeOptions& options)
+{
+    return csvFileOf(options).has_value();
+}
 
 ExitCode serveCard(const CardServeOptions& options)
 {

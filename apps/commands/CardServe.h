@@ -18,6 +18,9 @@ struct CardServeOptions {
     std::string faults;
 };
 
+/// Whether the source replays a recording, which some of the options are for.
+bool isRecording(const CardServeOptions& options);
+
 ExitCode serveCard(const CardServeOptions& options);
 
 #endif

@@ -49,21 +49,21 @@ std::string namesOf(const OidTypeValueContainer& values)
     return names;
 }
 
-void tellJson(std::uint32_t slot, const OidTypeValueContainer& values, std::int32_t result, bool isWritten,
+void tellJson(std::uint32_t slot, const OidTypeValueContainer& values, CallOutcome outcome, bool isWritten,
               ResultOutput& output)
 {
-    Json json = {{"slot", slot}, {"oids", Json::array()}, {"written", isWritten}, {"result", jsonOfResult(result)}};
+    Json json = {{"slot", slot}, {"oids", Json::array()}, {"written", isWritten}, {"result", jsonOfResult(outcome)}};
     for (const OidTypeValue& value : values) {
         json["oids"].push_back(value.oid);
     }
     output.writeLine(lineOfJson(json));
 }
 
-void tellText(const OidTypeValueContainer& values, std::int32_t result, bool isWritten, ResultOutput& output)
+void tellText(const OidTypeValueContainer& values, CallOutcome outcome, bool isWritten, ResultOutput& output)
 {
     const std::string verdict =
         isWritten ? output.coloured(Colour::GREEN, "written") : output.coloured(Colour::RED, "failed");
-    const std::string detail = (result == 0) ? "" : ": " + describeResult(result);
+    const std::string detail = (outcome == 0) ? "" : ": " + describeResult(outcome);
     output.writeLine(namesOf(values) + ": " + verdict + detail);
 }
 
@@ -79,12 +79,12 @@ ExitCode setObjects(const CardSetOptions& options)
     ResultOutput output;
     bool isAllWritten = true;
     for (const OidTypeValueContainer& request : writeRequests(values)) {
-        const std::int32_t result = client.write(request, options.timeout);
-        isAllWritten = (result == 0) || (result == DUPLICATE_MESSAGE) || (result == LOST_MESSAGE);
+        const CallOutcome outcome = client.write(request, options.timeout);
+        isAllWritten = (outcome == 0) || (outcome == DUPLICATE_MESSAGE) || (outcome == LOST_MESSAGE);
         if (options.isJson) {
-            tellJson(options.slot, request, result, isAllWritten, output);
+            tellJson(options.slot, request, outcome, isAllWritten, output);
         } else {
-            tellText(request, result, isAllWritten, output);
+            tellText(request, outcome, isAllWritten, output);
         }
         if (!isAllWritten) {
             break;

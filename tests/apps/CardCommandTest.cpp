@@ -174,6 +174,19 @@ TEST_F(CardCommand, TellsWhenNobodyAnswers)
         (CommandResult{1, "card.led: failed: no answer: nobody serves the slot, or nothing came back in time\n", ""}));
 }
 
+TEST_F(CardCommand, TellsEveryResultCodeFromNoAnswer)
+{
+    const auto failure = [&] {
+        const std::string json = brantel({"get", "3", "card.led", "--timeout", "1", "--json"}).out;
+        return json.substr(json.find("\"code\""));
+    };
+    EXPECT_EQ(failure(),
+              "\"code\":null,\"name\":\"no answer\",\"meaning\":\"nobody serves the slot, or nothing came "
+              "back in time\"}}\n");
+    const CardProcess card({"--slot", "3", "--fault", "result=0xFFFFFFFF"}, m_environment);
+    EXPECT_EQ(failure(), "\"code\":-1,\"name\":\"unknown\",\"meaning\":\"a result code without a meaning\"}}\n");
+}
+
 TEST_F(CardCommand, SplitsManyObjectsOverRequests)
 {
     std::string signals = "signals:\n";
@@ -303,10 +316,11 @@ TEST_F(CardCommand, ListsTheCards)
               "   3     # s  card 3  host\n"
               "   9       -  -       failed: unsound answer: the card sent something else than the values that were "
               "asked for\n");
-    EXPECT_EQ(withoutUptimes(brantel({"card", "list", "--json"}).out),
-              "{\"slot\":3,\"card.name\":\"card 3\",\"card.source\":\"host\",\"card.uptime\":#}\n"
-              "{\"slot\":9,\"failure\":{\"code\":-2,\"name\":\"unsound answer\",\"meaning\":\"the card sent something "
-              "else than the values that were asked for\"}}\n");
+    EXPECT_EQ(
+        withoutUptimes(brantel({"card", "list", "--json"}).out),
+        "{\"slot\":3,\"card.name\":\"card 3\",\"card.source\":\"host\",\"card.uptime\":#}\n"
+        "{\"slot\":9,\"failure\":{\"code\":null,\"name\":\"unsound answer\",\"meaning\":\"the card sent something "
+        "else than the values that were asked for\"}}\n");
 }
 
 TEST_F(CardCommand, ListsTheObjects)
@@ -425,6 +439,10 @@ TEST_F(CardCommand, SaysHowItIsUsed)
         {{"card"}, "--slot is required"},
         {{"card", "--slot", "10"}, "--slot: Value 10 not in range 0 to 9"},
         {{"card", "--slot", "3", "--speed", "0"}, "--speed: Value 0 not in range 0.001000 to 1000.000000"},
+        {{"card", "--slot", "3", "--time-column", "t"}, "--time-column: only with --source csv:FILE"},
+        {{"card", "--slot", "3", "--source", "host", "--interval", "1"}, "--interval: only with --source csv:FILE"},
+        {{"card", "--slot", "3", "--source", "wave:FILE", "--speed", "1"}, "--speed: only with --source csv:FILE"},
+        {{"card", "--step", "--slot", "3"}, "--step: only with --source csv:FILE"},
         {{"get"}, "slot is required"},
         {{"get", "10", "1"}, "slot: Value 10 not in range 0 to 9"},
         {{"get", "3"}, "oids is required"},

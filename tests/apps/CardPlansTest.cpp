@@ -29,7 +29,7 @@ ObjectIdContainer numbered(std::uint32_t first, std::size_t count)
 // A slot whose card answers each request by `answer`, and what of it was asked for.
 class ReadPlanTest : public DiagnosticsTest {
 protected:
-    using Answer = std::function<int(const ObjectIdContainer&, buffer_t& tlvs)>;
+    using Answer = std::function<CallOutcome(const ObjectIdContainer&, buffer_t& tlvs)>;
 
     Reading readAll(const ObjectIdContainer& oids, const Answer& answer)
     {
@@ -37,11 +37,11 @@ protected:
         while (!plan.isDone()) {
             m_requests.push_back(plan.request());
             buffer_t tlvs;
-            const int result = answer(plan.request(), tlvs);
-            if (result == NO_ANSWER) {
+            const CallOutcome outcome = answer(plan.request(), tlvs);
+            if (outcome == NO_ANSWER) {
                 plan.takeNoAnswer();
             } else {
-                plan.takeAnswer(result, tlvs);
+                plan.takeAnswer(static_cast<std::int32_t>(outcome), tlvs);
             }
         }
         return plan.reading();
@@ -114,7 +114,7 @@ TEST_F(ReadPlanTest, FindsTheObjectsThatAreRefused)
     };
     const Reading reading = readAll(numbered(1, 4), refusesThree);
     EXPECT_EQ(textsOf(reading.values), (ValueTexts{{1, "uint32 1"}, {2, "uint32 2"}, {4, "uint32 4"}}));
-    EXPECT_EQ(reading.failures, (std::map<std::uint32_t, std::int32_t>{{3, RESULT_WRONG_OID}}));
+    EXPECT_EQ(reading.failures, (std::map<std::uint32_t, CallOutcome>{{3, RESULT_WRONG_OID}}));
 }
 
 TEST_F(ReadPlanTest, DoesNotHalveWhatTheServiceRefuses)
@@ -122,25 +122,25 @@ TEST_F(ReadPlanTest, DoesNotHalveWhatTheServiceRefuses)
     const int serviceResult = obResult::GENERAL_ERROR;
     const Reading reading = readAll({1, 2}, [&](const ObjectIdContainer&, buffer_t&) { return serviceResult; });
     EXPECT_EQ(m_requests.size(), 1U);
-    EXPECT_EQ(reading.failures, (std::map<std::uint32_t, std::int32_t>{{1, serviceResult}, {2, serviceResult}}));
+    EXPECT_EQ(reading.failures, (std::map<std::uint32_t, CallOutcome>{{1, serviceResult}, {2, serviceResult}}));
 }
 
 TEST_F(ReadPlanTest, TellsUnsoundAnswers)
 {
     const Reading reading =
         readAll({1, 2}, [](const ObjectIdContainer& oids, buffer_t& tlvs) { return answerAll({oids.front()}, tlvs); });
-    EXPECT_EQ(reading.failures, (std::map<std::uint32_t, std::int32_t>{{1, UNSOUND_ANSWER}, {2, UNSOUND_ANSWER}}));
+    EXPECT_EQ(reading.failures, (std::map<std::uint32_t, CallOutcome>{{1, UNSOUND_ANSWER}, {2, UNSOUND_ANSWER}}));
 }
 
 TEST_F(ReadPlanTest, AsksNoMoreWhenThereIsNoAnswer)
 {
-    for (const int result : {int{NO_ANSWER}, int{obResult::TIMEOUT}}) {
+    for (const CallOutcome outcome : {NO_ANSWER, CallOutcome{obResult::TIMEOUT}}) {
         m_requests.clear();
         const Reading reading =
-            readAll(numbered(0x01000000, 300), [&](const ObjectIdContainer&, buffer_t&) { return result; });
+            readAll(numbered(0x01000000, 300), [&](const ObjectIdContainer&, buffer_t&) { return outcome; });
         EXPECT_EQ(m_requests.size(), 1U);
         ASSERT_EQ(reading.failures.size(), 300U);
-        EXPECT_EQ(reading.failures.rbegin()->second, result);
+        EXPECT_EQ(reading.failures.rbegin()->second, outcome);
     }
 }
 

@@ -97,7 +97,7 @@ TEST(ValueText, TakesOidsInBothForms)
 TEST(ResultText, HasNameAndMeaning)
 {
     const struct {
-        std::int32_t code;
+        CallOutcome outcome;
         const char* text;
     } results[] = {
         {0, "0=0x0=RESULT OK: done"},
@@ -127,11 +127,13 @@ TEST(ResultText, HasNameAndMeaning)
         {0x07000000, "117440512=0x7000000=MESSAGE_TOO_LARGE: request or answer do not fit into 2048 bytes"},
         {0x08000000, "134217728=0x8000000=MESSAGE_TOO_SHORT: the request is cut off"},
         {0x09000000, "150994944=0x9000000=unknown: a result code without a meaning"},
+        {-1, "-1=0xffffffff=unknown: a result code without a meaning"},
+        {-2, "-2=0xfffffffe=unknown: a result code without a meaning"},
         {NO_ANSWER, "no answer: nobody serves the slot, or nothing came back in time"},
         {UNSOUND_ANSWER, "unsound answer: the card sent something else than the values that were asked for"},
     };
-    for (const auto& [code, text] : results) {
-        EXPECT_EQ(describeResult(code), text);
+    for (const auto& [outcome, text] : results) {
+        EXPECT_EQ(describeResult(outcome), text);
     }
 }
 
