@@ -11,6 +11,14 @@ namespace {
 
 constexpr std::uint32_t N_SLOTS = 10;  // those that the client reaches
 
+// Reasons quote what is in the row, which may be anything; events and states hold them as parts of lines.
+std::string oneLine(const std::string& reason)
+{
+    constexpr std::size_t MAX_LENGTH = 1000;
+    const std::string more = "...";
+    return printable((reason.size() <= MAX_LENGTH) ? reason : reason.substr(0, MAX_LENGTH - more.size()) + more);
+}
+
 // The tables of one kind of place.
 struct PlaceTables {
     Place::Kind kind;
@@ -81,7 +89,7 @@ private:
     void refuse(const EventTable& table, const sql::Row& row, const std::string& reason)
     {
         const auto* const pKey = std::get_if<std::int64_t>(&row.front());
-        m_book.refusedRows.insert({table.name(), (pKey == nullptr) ? 0 : *pKey, printable(reason)});
+        m_book.refusedRows.insert({table.name(), (pKey == nullptr) ? 0 : *pKey, oneLine(reason)});
     }
 
     // Of a row without faults.

@@ -31,7 +31,7 @@ inline bool operator<(const RuleKey& left, const RuleKey& right)
 struct RefusedRow {
     std::string table;
     std::int64_t row;
-    std::string reason;  ///< in one line, whatever the row holds
+    std::string reason;  ///< in one line of at most 1,000 bytes, whatever the row holds
 };
 
 inline bool operator<(const RefusedRow& left, const RefusedRow& right)

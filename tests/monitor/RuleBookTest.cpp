@@ -102,6 +102,15 @@ TEST_F(RuleBookTest, RefusesRowsAloneThatCannotBeFollowed)
               "without leading zeros\n");
 }
 
+TEST_F(RuleBookTest, CutsTheReasonShortThatQuotesALongText)
+{
+    insert(allowIgnoreTable(IFC_CARDS_ALLOW_EVENTS_TABLE_ID), {1, 3, std::string(3'000'000, 'x'), RULE});
+
+    const std::set<RefusedRow> refused = readRuleBook(database(), ALL_SLOTS).refusedRows;
+    ASSERT_EQ(refused.size(), 1U);
+    EXPECT_EQ(refused.begin()->reason, "OID: '" + std::string(991, 'x') + "...");
+}
+
 TEST_F(RuleBookTest, IsToldOfWhenTheDatabaseHasChanged)
 {
     RuleBookFollower follower(path(), ALL_SLOTS);
