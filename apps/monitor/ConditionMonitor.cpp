@@ -50,6 +50,9 @@ void setFailure(const Place& place, std::optional<std::uint32_t> oid, std::strin
 // Why a rule that was followed is not in the book any more.
 std::string reasonOfAbsence(const RuleBook& book, const Place& place, std::uint32_t oid)
 {
+    if (book.unservedPlaces.count(place) != 0) {
+        return placeText(place) + " is not served any more";
+    }
     if (book.enabledPlaces.count(place) == 0) {
         return "events of " + placeText(place) + " are not enabled any more";
     }

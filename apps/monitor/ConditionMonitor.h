@@ -6,10 +6,10 @@
 //
 // The owner of a monitor
 //
-//     restores what an earlier one kept (restoreRule, restoreFailure)    once, before the first book
+//     restores what an earlier one kept (the restore functions)          once, before the first book
 //     gives it the book, and gives it again when that has changed        follow
 //     reads oidsOf each of the places and hands in the readings          takeReading
-//     keeps rules() and failures() before it lets anybody see the events
+//     keeps places() and refusedRows() before it lets anybody see the events
 //
 // A condition starts cleared. One that is raised when its rule goes (removed, ignored, its place disabled) is cleared
 // then. While its object cannot be read a condition stays as it is.
@@ -52,6 +52,9 @@ public:
     /// Notes a failure that was told already, of an object or of a whole place.
     void restoreFailure(const Place& place, std::optional<std::uint32_t> oid, const std::string& failure);
 
+    /// Notes a refused row that was told already.
+    void restoreRefusal(const RefusedRow& row) { m_refusedRows.insert(row); }
+
     /// Takes the rules of `book`, no others: those that it has already keep their memory.
     void follow(const RuleBook& book, EventTime now, Events& events);
 
@@ -62,6 +65,9 @@ public:
     void takeFailure(const Place& place, const std::string& reason, EventTime now, Events& events);
 
     const std::map<Place, WatchedPlace>& places() const { return m_places; }
+
+    /// The rows that the book refuses, all of them told.
+    const std::set<RefusedRow>& refusedRows() const { return m_refusedRows; }
 
     /// The objects of a place that have rules.
     ObjectIdContainer oidsOf(const Place& place) const;

@@ -25,6 +25,9 @@ void EventRecorder::restore(ConditionMonitor& monitor)
     for (const RememberedFailure& failure : state.failures) {
         monitor.restoreFailure(failure.place, failure.oid, failure.failure);
     }
+    for (const RefusedRow& row : state.refusedRows) {
+        monitor.restoreRefusal(row);
+    }
     const std::uint64_t lastInJournal = (m_pJournal != nullptr) ? m_pJournal->lastEvent() : 0;
     m_lastEvent = std::max(state.lastEvent, lastInJournal);
     for (const std::string& line : state.eventLines) {

@@ -40,7 +40,7 @@ public:
     /// Leaves a state that needs no repair. Last.
     void finish(const ConditionMonitor& monitor) { saveState(monitor); }
 
-    /// Lets the journal go, which somebody may have moved away; the next event opens it again.
+    /// Lets the journal go, which somebody may have moved away; the next recording opens it again.
     void releaseJournal() { m_pJournal.reset(); }
 
     std::uint64_t lastEvent() const { return m_lastEvent; }

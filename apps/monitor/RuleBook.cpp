@@ -3,12 +3,21 @@
 #include <charconv>
 
 #include "EventMgmtRulesParsing.h"
+#include "common/ResultOutput.h"
 
 using namespace eventMgmt;
 
 namespace {
 
 constexpr std::uint32_t N_SLOTS = 10;  // those that the client reaches
+
+// Reasons quote what is in the row, which may be anything; events and states hold them as parts of lines.
+std::string oneLine(const std::string& reason)
+{
+    constexpr std::size_t MAX_LENGTH = 1000;
+    const std::string more = "...";
+    return printable((reason.size() <= MAX_LENGTH) ? reason : reason.substr(0, MAX_LENGTH - more.size()) + more);
+}
 
 // The tables of one kind of place.
 struct PlaceTables {
@@ -36,7 +45,7 @@ private:
     {
         forEachSoundRow(tables, tables.configuration, [&](const Place& place, const sql::Row& row) {
             if (row.back() == sql::Value(1)) {
-                m_book.enabledPlaces.insert(place);
+                (isServed(place) ? m_book.enabledPlaces : m_book.unservedPlaces).insert(place);
             }
         });
         forEachSoundRow(tables, tables.ignore,
@@ -52,7 +61,7 @@ private:
         });
     }
 
-    // Visits the rows of the places that the monitor serves, without those that are refused.
+    // Visits the rows without those that are refused.
     template <typename Visit>
     void forEachSoundRow(const PlaceTables& tables, const EventTable& table, const Visit& visit)
     {
@@ -64,19 +73,23 @@ private:
             }
             const Place place{tables.kind,
                               static_cast<std::uint32_t>(std::get<std::int64_t>(row[table.ownerColumn()]))};
-            const bool isSlot = (place.kind == Place::Kind::SLOT);
-            if (isSlot && (place.number >= N_SLOTS)) {
+            if ((place.kind == Place::Kind::SLOT) && (place.number >= N_SLOTS)) {
                 refuse(table, row, placeText(place) + " is out of reach: the slots are 0 to 9");
-            } else if (!isSlot || (m_slots.count(place.number) != 0)) {
+            } else {
                 visit(place, row);
             }
         });
     }
 
+    bool isServed(const Place& place) const
+    {
+        return (place.kind != Place::Kind::SLOT) || (m_slots.count(place.number) != 0);
+    }
+
     void refuse(const EventTable& table, const sql::Row& row, const std::string& reason)
     {
         const auto* const pKey = std::get_if<std::int64_t>(&row.front());
-        m_book.refusedRows.insert({table.name(), (pKey == nullptr) ? 0 : *pKey, reason});
+        m_book.refusedRows.insert({table.name(), (pKey == nullptr) ? 0 : *pKey, oneLine(reason)});
     }
 
     // Of a row without faults.

@@ -31,7 +31,7 @@ inline bool operator<(const RuleKey& left, const RuleKey& right)
 struct RefusedRow {
     std::string table;
     std::int64_t row;
-    std::string reason;
+    std::string reason;  ///< in one line of at most 1,000 bytes, whatever the row holds
 };
 
 inline bool operator<(const RefusedRow& left, const RefusedRow& right)
@@ -40,7 +40,8 @@ inline bool operator<(const RefusedRow& left, const RefusedRow& right)
 }
 
 struct RuleBook {
-    std::set<Place> enabledPlaces;
+    std::set<Place> enabledPlaces;   ///< of those that the monitor serves
+    std::set<Place> unservedPlaces;  ///< enabled, too, but the monitor does not serve them
     std::set<std::pair<Place, std::uint32_t>> ignored;
     std::set<RuleKey> rules;  ///< of enabled places and objects that are not ignored, and neither empty nor comments
     std::set<RefusedRow> refusedRows;

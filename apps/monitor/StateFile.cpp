@@ -93,6 +93,13 @@ RememberedFailure failureOf(LineFields& fields)
     return failure;
 }
 
+RefusedRow refusedRowOf(LineFields& fields)
+{
+    RefusedRow row{fields.word(), fields.number<std::int64_t>(), ""};
+    row.reason = fields.rest();
+    return row;
+}
+
 // Adds what one line after the first says; false if it says nothing that is known.
 bool addLine(MonitorState& state, const std::string& line)
 {
@@ -104,6 +111,8 @@ bool addLine(MonitorState& state, const std::string& line)
         state.rules.push_back(ruleOf(fields));
     } else if (word == "failure") {
         state.failures.push_back(failureOf(fields));
+    } else if (word == "refused") {
+        state.refusedRows.push_back(refusedRowOf(fields));
     } else if (word == "event") {
         state.eventLines.push_back(fields.rest());
         return eventOfJsonLine(state.eventLines.back()).has_value();
@@ -143,6 +152,9 @@ std::string stateText(std::uint64_t lastEvent, const ConditionMonitor& monitor,
             }
             addFailure(where, object.failure);
         }
+    }
+    for (const RefusedRow& refused : monitor.refusedRows()) {
+        add("refused " + refused.table + " " + std::to_string(refused.row) + " " + refused.reason);
     }
     for (const std::string& line : eventLines) {
         add("event " + line);

@@ -1,15 +1,16 @@
 #ifndef APPS_MONITOR_STATE_FILE_H
 #define APPS_MONITOR_STATE_FILE_H
 
-// What a monitor keeps over its end, however that comes: the memory of its rules, the failures that it told, and the
-// events of its last cycle, which the journal may lack. One text file, replaced as a whole:
+// What a monitor keeps over its end, however that comes: the memory of its rules, the failures and refused rows that it
+// told, and the events of its last cycle, which the journal may lack. One text file, replaced as a whole:
 //
 //     brantel monitor state 1
 //     last-event 456                                       the number of the last event
 //     rule slot 3 196609 92 1 0 expr=signed(value>90)      place, OID, previous sample (- if none), states, rule
 //     failure slot 4 - no sound answer                     place, OID (- for the whole place), failure
+//     refused SysCardAllowEventsTable 9 Rule: no rule      table, key of the row, reason
 //     event {"event":456,...}                              as in the journal
-//     end 4                                                the number of lines before
+//     end 6                                                the number of lines before
 
 #include <cstdint>
 #include <optional>
@@ -29,6 +30,7 @@ struct MonitorState {
     std::uint64_t lastEvent = 0;
     std::vector<std::pair<RuleKey, RuleMemory>> rules;
     std::vector<RememberedFailure> failures;
+    std::vector<RefusedRow> refusedRows;
     std::vector<std::string> eventLines;
 };
 

@@ -83,10 +83,13 @@ TEST(ConditionMonitor, ClearsWhatIsRaisedWhenItsRuleGoesAndSaysWhy)
     RuleBook ignored = removed;
     ignored.ignored.insert({SLOT_3, 5});
     const RuleBook disabled;
+    RuleBook unserved;
+    unserved.unservedPlaces.insert(SLOT_3);
     const std::pair<RuleBook, std::string> cases[] = {
         {removed, "the rule is not in the database any more"},
         {ignored, "events of the object are ignored now"},
         {disabled, "events of slot 3 are not enabled any more"},
+        {unserved, "slot 3 is not served any more"},
     };
 
     for (const auto& [next, why] : cases) {

@@ -81,6 +81,27 @@ TEST_F(EventRecorderTest, RaisesNothingAgainThatWasRaisedBeforeTheRestart)
     EXPECT_EQ(numbersInJournal(), (Numbers{"1"}));
 }
 
+TEST_F(EventRecorderTest, TellsOfARefusedRowOverRestartsOnceAsLongAsItStaysAsItIs)
+{
+    const RefusedRow row{"IfcCardsAllowEventsTable", 9, "Rule: no rule"};
+    const RefusedRow changedRow{"IfcCardsAllowEventsTable", 9, "OID: not a number"};
+    const std::vector<RefusedRow> rows[] = {{row}, {row}, {changedRow}, {}, {changedRow}};
+    std::vector<std::size_t> told;
+    for (const std::vector<RefusedRow>& refused : rows) {
+        EventRecorder recorder(journal(), state());
+        ConditionMonitor monitor;
+        recorder.restore(monitor);
+        RuleBook book;
+        book.refusedRows.insert(refused.begin(), refused.end());
+        ConditionMonitor::Events events;
+        monitor.follow(book, NOON, events);
+        recorder.record(events, monitor);
+        told.push_back(numbersInJournal().size());
+    }
+
+    EXPECT_EQ(told, (std::vector<std::size_t>{1, 1, 2, 2, 3})) << "as often as one monitor would tell of it";
+}
+
 TEST_F(EventRecorderTest, AddsTheEventsOfTheStateThatTheJournalLacks)
 {
     {

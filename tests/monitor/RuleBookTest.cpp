@@ -67,7 +67,12 @@ TEST_F(RuleBookTest, HoldsWhatTheMonitorServes)
         addToList(database(), IFC_CARDS_ALLOW_EVENTS_TABLE_ID, {slot, "5", RULE});
     }
 
+    enableCard(database(), 5, 1, false);
+
     EXPECT_EQ(rulesText({4}), "slot 4 5 expr=signed(value>90)\n");
+    const RuleBook book = readRuleBook(database(), {4});
+    EXPECT_EQ(book.enabledPlaces, (std::set<Place>{slotPlace(4)}));
+    EXPECT_EQ(book.unservedPlaces, (std::set<Place>{slotPlace(3)}));
 }
 
 TEST_F(RuleBookTest, RefusesRowsAloneThatCannotBeFollowed)
@@ -78,6 +83,7 @@ TEST_F(RuleBookTest, RefusesRowsAloneThatCannotBeFollowed)
     insert(allow, {2, 3, "five", RULE});
     insert(allow, {3, 3, "6", RULE});
     insert(allow, {4, 12, "6", RULE});
+    insert(allow, {6, 3, "line\nbreak", RULE});
     insert(allow, {5, 3, "7", "expr=signed(value>1);expr=signed(value<0)"});
 
     std::string refused;
@@ -91,7 +97,18 @@ TEST_F(RuleBookTest, RefusesRowsAloneThatCannotBeFollowed)
               "leading zeros\n"
               "IfcCardsAllowEventsTable 4 slot 12 is out of reach: the slots are 0 to 9\n"
               "IfcCardsAllowEventsTable 5 Rule: a rule of several parts is never evaluated: make each part a rule of "
-              "its own\n");
+              "its own\n"
+              "IfcCardsAllowEventsTable 6 OID: 'line?break' is no OID: write a decimal number from 0 to 4294967295 "
+              "without leading zeros\n");
+}
+
+TEST_F(RuleBookTest, CutsTheReasonShortThatQuotesALongText)
+{
+    insert(allowIgnoreTable(IFC_CARDS_ALLOW_EVENTS_TABLE_ID), {1, 3, std::string(3'000'000, 'x'), RULE});
+
+    const std::set<RefusedRow> refused = readRuleBook(database(), ALL_SLOTS).refusedRows;
+    ASSERT_EQ(refused.size(), 1U);
+    EXPECT_EQ(refused.begin()->reason, "OID: '" + std::string(991, 'x') + "...");
 }
 
 TEST_F(RuleBookTest, IsToldOfWhenTheDatabaseHasChanged)

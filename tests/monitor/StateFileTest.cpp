@@ -18,8 +18,9 @@ const std::string STATE =
     "rule slot 3 4294967295 -7 0 1 expr=signed(hyshigh(70,80) hyslow(10,20))\n"
     "rule component 7 6 - 0 0 expr=signed(value>90)\n"
     "failure component 7 6 its value is not a number\n"
+    "refused IfcCardsAllowEventsTable -9 Rule: '=<' is not an operator\n"
     "event " +
-    EVENT_LINE + "\nend 7\n";
+    EVENT_LINE + "\nend 8\n";
 
 void restore(const MonitorState& state, ConditionMonitor& monitor)
 {
@@ -29,15 +30,19 @@ void restore(const MonitorState& state, ConditionMonitor& monitor)
     for (const RememberedFailure& failure : state.failures) {
         monitor.restoreFailure(failure.place, failure.oid, failure.failure);
     }
+    for (const RefusedRow& row : state.refusedRows) {
+        monitor.restoreRefusal(row);
+    }
 }
 
-TEST(StateFile, HoldsRulesFailuresAndEventsAsLines)
+TEST(StateFile, HoldsRulesFailuresRefusedRowsAndEventsAsLines)
 {
     ConditionMonitor monitor;
     monitor.restoreRule({slotPlace(3), 4294967295, DOUBLE_HYSTERESIS_RULE}, {-7, {false, true}});
     monitor.restoreRule({componentPlace(7), 6, ABOVE_90}, {});
     monitor.restoreFailure(slotPlace(3), std::nullopt, "no sound answer");
     monitor.restoreFailure(componentPlace(7), 6, "its value is not a number");
+    monitor.restoreRefusal({"IfcCardsAllowEventsTable", -9, "Rule: '=<' is not an operator"});
 
     EXPECT_EQ(stateText(5, monitor, {EVENT_LINE}), STATE);
 }
@@ -89,6 +94,7 @@ TEST(StateFile, IsRefusedWithTheLineThatIsWrong)
         {first + "rule slot 3 5 7 0\n", "state:2: 'rule slot 3 5 7 0' is no line of a state"},
         {first + "rule shelf 3 5 7 0 0 expr\n", "state:2: 'rule shelf 3 5 7 0 0 expr' is no line of a state"},
         {first + "failure slot 3 x y\n", "state:2: 'failure slot 3 x y' is no line of a state"},
+        {first + "refused SomeTable nine y\n", "state:2: 'refused SomeTable nine y' is no line of a state"},
         {first + "event {}\n", "state:2: 'event {}' is no line of a state"},
         {first + "weather fine\n", "state:2: 'weather fine' is no line of a state"},
     };
