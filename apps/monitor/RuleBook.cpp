@@ -19,6 +19,8 @@ std::string oneLine(const std::string& reason)
     return printable((reason.size() <= MAX_LENGTH) ? reason : reason.substr(0, MAX_LENGTH - more.size()) + more);
 }
 
+constexpr std::size_t MAX_RULE_LENGTH = 65536;  // the state and the journal hold a rule as a part of a line
+
 // The tables of one kind of place.
 struct PlaceTables {
     Place::Kind kind;
@@ -53,6 +55,10 @@ private:
         forEachSoundRow(tables, tables.allow, [&](const Place& place, const sql::Row& row) {
             const std::uint32_t oid = oidOf(row);
             const auto& rule = std::get<std::string>(row.back());
+            if (rule.size() > MAX_RULE_LENGTH) {
+                refuse(tables.allow, row, "Rule: longer than " + std::to_string(MAX_RULE_LENGTH) + " characters");
+                return;
+            }
             const bool isEnabled = (m_book.enabledPlaces.count(place) != 0);
             const bool isIgnored = (m_book.ignored.count({place, oid}) != 0);
             if (isEnabled && !isIgnored && !vemorRules::isEmptyRule(rule)) {

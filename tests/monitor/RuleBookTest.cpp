@@ -111,6 +111,19 @@ TEST_F(RuleBookTest, CutsTheReasonShortThatQuotesALongText)
     EXPECT_EQ(refused.begin()->reason, "OID: '" + std::string(991, 'x') + "...");
 }
 
+TEST_F(RuleBookTest, RefusesRulesThatAreTooLongForALine)
+{
+    enableCard(database(), 3, 1, true);
+    const std::string longest = RULE + std::string(65536 - std::string(RULE).size(), ' ');
+    insert(allowIgnoreTable(IFC_CARDS_ALLOW_EVENTS_TABLE_ID), {1, 3, "5", longest});
+    insert(allowIgnoreTable(IFC_CARDS_ALLOW_EVENTS_TABLE_ID), {2, 3, "6", longest + " "});
+
+    EXPECT_EQ(rulesText(), "slot 3 5 " + longest + "\n");
+    const std::set<RefusedRow> refused = readRuleBook(database(), ALL_SLOTS).refusedRows;
+    ASSERT_EQ(refused.size(), 1U);
+    EXPECT_EQ(refused.begin()->reason, "Rule: longer than 65536 characters");
+}
+
 TEST_F(RuleBookTest, IsToldOfWhenTheDatabaseHasChanged)
 {
     RuleBookFollower follower(path(), ALL_SLOTS);
