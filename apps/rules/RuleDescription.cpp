@@ -74,7 +74,7 @@ std::string describeRuleText(const std::string& rule)
         RuleObject part;
         parseExpression(parts[i].text(), &part);
         if (parts.size() > 1) {
-            words += ((i == 0) ? "part " : "; part ") + std::to_string(i + 1) + ": ";
+            words += ((i == 0) ? "(" : "; (") + std::to_string(i + 1) + ") ";
         }
         words += describe(part, marksOf(parts[i]).isUnsigned);
     }

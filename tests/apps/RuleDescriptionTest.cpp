@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(EveryKind, RuleDescription, testing::ValuesIn(described
 TEST(RuleTextDescription, TellsEachOfSeveralPartsOnItsOwn)
 {
     EXPECT_EQ(describeRuleText("expr=signed(value>-1); /expr=unsigned(hyshigh(1,4000000000))"),
-              "part 1: raised while value > -1; part 2: raised when value > 4000000000, cleared when value <= 1");
+              "(1) raised while value > -1; (2) raised when value > 4000000000, cleared when value <= 1");
 }
 
 TEST(RuleTextDescription, KnowsNoOtherKinds)
