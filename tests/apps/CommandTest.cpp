@@ -96,7 +96,7 @@ TEST(CommandDiagnostics, GoToStandardErrorOnRequest)
     EXPECT_EQ(diagnosticsOf({"--log-stderr", "-v", "-1"}), "");
     EXPECT_EQ(diagnosticsOf({"--log-stderr", "--trace-level", "8"}), error);
     EXPECT_EQ(diagnosticsOf({"--log-stderr", "--trace-level", "9"}),
-              std::string("brantel[#]: [DEBUG3] EventMgmtRulesParsing.cpp:# (parseRule) - part 0 = 'expr'\n") +
+              std::string("brantel[#]: [DEBUG3] EventMgmtRulesParsing.cpp:# (parseRule) - part ") + "0 = 'expr'\n" +
                   "brantel[#]: [DEBUG3] EventMgmtRulesParsing.cpp:# (parseExpression) - parseExpression='expr'\n" +
                   error);
 }
