@@ -3,18 +3,10 @@
 //
 // Input: one byte, the number of OIDs that are requested (0 to 15: numbers from 0; 16 and more: any), and the stream.
 
-#include <cstdlib>
-
-#include "cards/SecondDecoder.h"
+#include "fuzz/Fuzz.h"
+#include "library/cards/SecondDecoder.h"
 
 namespace {
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 buffer_t encoded(const OidTypeValueMap& values)
 {
@@ -29,8 +21,7 @@ buffer_t encoded(const OidTypeValueMap& values)
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(const unsigned char* pData,
-                                                                             std::size_t size)
+FUZZ_TARGET(pData, size)
 {
     if ((size == 0) || (size > 1 + buffer_t::CAPACITY)) {
         return 0;
@@ -40,7 +31,7 @@ extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(con
         oids.push_back(oid);
     }
     const ObjectIdContainer* const pRequestedOids = (pData[0] < 16) ? &oids : nullptr;
-    const std::string bytes(reinterpret_cast<const char*>(pData + 1), size - 1);
+    const std::string bytes = textOf(pData + 1, size - 1);
 
     OidTypeValueMap values;
     const bool isDecoded =

@@ -1,10 +1,10 @@
-// Streams as a card might send them: the first OID is found where it stands, or refused, and nothing else happens.
+// Streams as a card might send them: the first OID is found, or refused, and nothing else happens.
 
-#include <cstdlib>
 #include <optional>
 #include <stdexcept>
 
-#include "cards/SecondDecoder.h"
+#include "fuzz/Fuzz.h"
+#include "library/cards/SecondDecoder.h"
 
 namespace {
 
@@ -29,23 +29,18 @@ std::optional<std::uint32_t> extractedOid(const buffer_t& tlvs)
         }
     } catch (const std::out_of_range&) {
     }
-    if (oid != UNTOUCHED) {
-        std::abort();
-    }
+    require(oid == UNTOUCHED);
     return std::nullopt;
 }
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(const unsigned char* pData,
-                                                                             std::size_t size)
+FUZZ_TARGET(pData, size)
 {
     if (size > buffer_t::CAPACITY) {
         return 0;
     }
-    const std::string bytes(reinterpret_cast<const char*>(pData), size);
-    if (extractedOid(buffer_t(bytes.data(), bytes.size())) != firstOid(bytes)) {
-        std::abort();
-    }
+    const std::string bytes = textOf(pData, size);
+    require(extractedOid(buffer_t(bytes.data(), bytes.size())) == firstOid(bytes));
     return 0;
 }
