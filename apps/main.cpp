@@ -1,29 +1,32 @@
-// The command 'brantel'. Each group of subcommands adds itself in one line below.
+// The command 'brantel'.
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <exception>
-#include <iostream>
+#include <memory>
+#include <string>
 
 #include <syslog.h>
 
 #include <CLI/CLI.hpp>
 
-#include "commands/CardCommands.h"
-#include "commands/DbCommands.h"
-#include "commands/MonitorCommand.h"
-#include "commands/PortsCommands.h"
-#include "commands/RuleCommands.h"
+#include "commands/Commands.h"
+#include "commands/Usage.h"
 #include "common/CommandLine.h"
+#include "common/Message.h"
+#include "common/ResultOutput.h"
+#include "common/StandardStreams.h"
+#include "common/TypedOptions.h"
 #include "trace/TraceObject.h"
 
+namespace brantel {
 namespace {
 
 constexpr std::int32_t ERRORS_ONLY = 3;
+constexpr std::int32_t HIGHEST_TRACE_LEVEL = 9;
 
 constexpr const char* EXAMPLES =
-    R"(Diagnostics of the library go to syslog. Trace levels: 3 errors, 4 warnings too, 9 everything; 0 nothing.
+    R"(The library logs to syslog. Trace levels: 0 nothing, 3 errors, 4 also warnings, 9 everything.
 
 Examples:
   brantel rule check 'expr=signed(value>100)'
@@ -35,17 +38,19 @@ Examples:
   brantel monitor --journal events.jsonl
   brantel ports --backplane 3)";
 
-// Prints the help, the version or what is wrong with the arguments.
-ExitCode answerCommandLine(const CLI::App& app, const CLI::ParseError& answer)
+ExitCode print(const std::string& text)
 {
-    if (app.exit(answer) != 0) {
-        return EXIT_UNUSABLE;
-    }
-    if (!std::cout.flush()) {
-        std::cerr << "brantel: cannot write to standard output\n";
-        return EXIT_UNUSABLE;
-    }
+    ResultOutput output;
+    output.writeText(text);
+    output.finish();
     return EXIT_FINE;
+}
+
+ExitCode refuseArguments(const std::string& reason)
+{
+    printMessage(reason);
+    printDetail("Run with --help for more information.");
+    return EXIT_UNUSABLE;
 }
 
 ExitCode runCommand(int argc, char** argv)
@@ -55,22 +60,31 @@ ExitCode runCommand(int argc, char** argv)
     Invocation invocation;
     invocation.arguments.assign(argv + std::min(argc, 1), argv + argc);
 
-    CLI::App app{"Tools for the services of the brantel library", "brantel"};
+    CLI::App app{"Event rules, interface cards, event tables and data ports of a network element", "brantel"};
+    app.formatter(std::make_shared<HelpFormatter>());
     app.footer(EXAMPLES);
     app.require_subcommand(1);
     app.fallthrough();
     app.set_version_flag("--version", "brantel " BRANTEL_VERSION, "Print the version and exit");
-    app.add_option("-v,--trace-level", traceLevel, "How much the library logs (3: errors)")->type_name("N");
-    app.add_flag("--log-stderr", logsToStandardError, "Copy diagnostics to standard error");
+    addIntegerOption(app, "-v,--trace-level", traceLevel, "How much the library logs (default: 3, errors)", 0,
+                     HIGHEST_TRACE_LEVEL)
+        ->type_name("N");
+    app.add_flag("--log-stderr", logsToStandardError, "Copy what is logged to standard error");
     addRuleCommands(app, invocation);
     addCardCommands(app, invocation);
     addDbCommands(app, invocation);
     addMonitorCommand(app, invocation);
     addPortsCommands(app, invocation);
+    refuseMissingValues(app);
     try {
+        refuseEmptyAssignments(invocation.arguments);
         app.parse(argc, argv);
-    } catch (const CLI::ParseError& answer) {
-        return answerCommandLine(app, answer);
+    } catch (const CLI::CallForHelp&) {
+        return print(app.help());
+    } catch (const CLI::CallForVersion& version) {
+        return print(std::string(version.what()) + "\n");
+    } catch (const CLI::ParseError& error) {
+        return refuseArguments(explainMisuse(app, invocation.arguments, error));
     }
 
     static TraceObject trace(traceLevel);  // lives as long as anything may log
@@ -80,14 +94,15 @@ ExitCode runCommand(int argc, char** argv)
 }
 
 }  // namespace
+}  // namespace brantel
 
 int main(int argc, char** argv)
 {
     try {
-        return runCommand(argc, argv);
+        brantel::occupyClosedStandardStreams();
+        return brantel::runCommand(argc, argv);
     } catch (const std::exception& error) {
-        static_cast<void>(std::fflush(stdout));  // in the order in which it happened
-        static_cast<void>(std::fprintf(stderr, "brantel: %s\n", error.what()));
-        return EXIT_UNUSABLE;
+        brantel::printFailure(error);
+        return brantel::EXIT_UNUSABLE;
     }
 }

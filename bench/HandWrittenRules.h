@@ -1,8 +1,8 @@
 #ifndef BENCH_HAND_WRITTEN_RULES_H
 #define BENCH_HAND_WRITTEN_RULES_H
 
-// The benchmarked rules as a programmer would write them in C++, with their thresholds compiled in. Defined in a unit
-// of their own, so that each is a call like one into the library.
+// The benchmarked rules as a programmer would write them in C++, with their thresholds compiled in. Defined in a
+// separate unit, so that each is a call like one into the library.
 
 struct SignedValueByHand {
     static bool checkValue(int sample);

@@ -1,5 +1,5 @@
-// Measures how long a rule takes to parse and a sample to decide, in the library and in its peers, on the same rules
-// and samples. Before anything is measured, the peers' answers to all samples are compared with the library's.
+// Measures how long it takes to parse a rule and to evaluate a sample, in the library and in its peers, on the same
+// rules and samples. Before anything is measured, the peers' answers to all samples are compared with the library's.
 //
 // The benchmarks are named <series>/<rule>/<by whom> and parse/<rule>/<by whom>; bench/tables.jq makes the tables of
 // docs/performance.md from them.
@@ -14,13 +14,13 @@
 
 #include <benchmark/benchmark.h>
 
-#include "Deciders.h"
 #include "HandWrittenRules.h"
+#include "RuleEvaluators.h"
 #include "trace/TraceObject.h"
 
 namespace {
 
-// Too many for a branch predictor to learn by heart.
+// Too many for a branch predictor to learn.
 constexpr std::size_t NUMBER_OF_SAMPLES = 1 << 16;
 
 // A trace level at which errors are written and debug lines are not, as on a node in service.
@@ -53,7 +53,7 @@ std::vector<T> pseudoRandomSamples(T lowest, unsigned int range)
     return samples;
 }
 
-/// One series whose verdicts nobody can foretell, and one whose verdicts never change. The rules' thresholds lie
+/// One series of samples with unpredictable verdicts, and one whose verdicts never change. The rules' thresholds lie
 /// between `centre` - 1000 and `centre` + 1000, none of them within 20 of `centre`.
 template <typename T>
 std::vector<SampleSeries<T>> sampleSeriesAround(T centre)
@@ -62,41 +62,41 @@ std::vector<SampleSeries<T>> sampleSeriesAround(T centre)
             {"steady", pseudoRandomSamples<T>(centre - 10, 21)}};
 }
 
-/// Feeds samples to a decider in their order and carries the previous sample and the states from one to the next.
-template <RuleKind kind, typename T, typename Decider>
+/// Feeds samples to an evaluator in their order and carries the previous sample and the states from one to the next.
+template <RuleKind kind, typename T, typename Evaluator>
 class Monitor {
 public:
-    explicit Monitor(Decider& decider) : m_decider(decider) {}
+    explicit Monitor(Evaluator& evaluator) : m_evaluator(evaluator) {}
 
     /// Bit 0 is the rule's verdict, or the upper state; bit 1 the lower state.
     int next(T sample)
     {
         if constexpr (kind == RuleKind::VALUE) {
-            return m_decider.checkValue(sample);
+            return m_evaluator.checkValue(sample);
         } else if constexpr (kind == RuleKind::DELTA) {
-            const bool result = m_decider.checkDelta(m_previousSample, sample);
+            const bool result = m_evaluator.checkDelta(m_previousSample, sample);
             m_previousSample = sample;
             return result;
         } else if constexpr (kind == RuleKind::SINGLE_HYSTERESIS) {
-            m_upperState = m_decider.checkSingle(sample, m_upperState);
+            m_upperState = m_evaluator.checkSingle(sample, m_upperState);
             return m_upperState;
         } else {
-            m_decider.checkDouble(sample, m_upperState, m_lowerState);
+            m_evaluator.checkDouble(sample, m_upperState, m_lowerState);
             return static_cast<int>(m_upperState) + 2 * static_cast<int>(m_lowerState);
         }
     }
 
 private:
-    Decider& m_decider;
+    Evaluator& m_evaluator;
     T m_previousSample = 0;
     bool m_upperState = false;
     bool m_lowerState = false;
 };
 
-template <RuleKind kind, typename T, typename Decider>
-std::vector<int> verdicts(Decider& decider, const std::vector<T>& samples)
+template <RuleKind kind, typename T, typename Evaluator>
+std::vector<int> verdicts(Evaluator& evaluator, const std::vector<T>& samples)
 {
-    Monitor<kind, T, Decider> monitor(decider);
+    Monitor<kind, T, Evaluator> monitor(evaluator);
     std::vector<int> results;
     for (const T sample : samples) {
         results.push_back(monitor.next(sample));
@@ -104,10 +104,10 @@ std::vector<int> verdicts(Decider& decider, const std::vector<T>& samples)
     return results;
 }
 
-template <RuleKind kind, typename T, typename Decider>
-void measureEvaluation(benchmark::State& state, Decider& decider, const std::vector<T>& samples)
+template <RuleKind kind, typename T, typename Evaluator>
+void measureEvaluation(benchmark::State& state, Evaluator& evaluator, const std::vector<T>& samples)
 {
-    Monitor<kind, T, Decider> monitor(decider);
+    Monitor<kind, T, Evaluator> monitor(evaluator);
     for (auto _ : state) {
         for (const T sample : samples) {
             benchmark::DoNotOptimize(monitor.next(sample));
@@ -116,33 +116,33 @@ void measureEvaluation(benchmark::State& state, Decider& decider, const std::vec
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(samples.size()));
 }
 
-template <RuleKind kind, typename T, typename Decider>
-void registerEvaluation(const RuleTexts& texts, const std::string& byWhom, const std::shared_ptr<Decider>& pDecider,
+template <RuleKind kind, typename T, typename Evaluator>
+void registerEvaluation(const RuleTexts& texts, const std::string& byWhom, const std::shared_ptr<Evaluator>& pEvaluator,
                         const std::vector<SampleSeries<T>>& allSeries)
 {
-    LibraryDecider<T> library(texts.rule);
+    LibraryEvaluator<T> library(texts.rule);
     for (const SampleSeries<T>& series : allSeries) {
-        if (verdicts<kind>(*pDecider, series.samples) != verdicts<kind>(library, series.samples)) {
+        if (verdicts<kind>(*pEvaluator, series.samples) != verdicts<kind>(library, series.samples)) {
             throw std::runtime_error("The library and " + byWhom + " disagree on " + texts.rule);
         }
         benchmark::RegisterBenchmark((series.name + "/" + texts.name + "/" + byWhom).c_str(),
-                                     [pDecider, &samples = series.samples](benchmark::State& state) {
-                                         measureEvaluation<kind>(state, *pDecider, samples);
+                                     [pEvaluator, &samples = series.samples](benchmark::State& state) {
+                                         measureEvaluation<kind>(state, *pEvaluator, samples);
                                      });
     }
 }
 
-// While no trace object is installed, which a component that does not trace leaves so.
+// Without a trace object, as in a component that does not trace.
 template <RuleKind kind, typename T>
 void registerEvaluationWithoutTrace(const RuleTexts& texts, const std::vector<SampleSeries<T>>& allSeries)
 {
-    const auto pDecider = std::make_shared<LibraryDecider<T>>(texts.rule);
+    const auto pEvaluator = std::make_shared<LibraryEvaluator<T>>(texts.rule);
     for (const SampleSeries<T>& series : allSeries) {
         benchmark::RegisterBenchmark((series.name + "/" + texts.name + "/untraced").c_str(),
-                                     [pDecider, &samples = series.samples](benchmark::State& state) {
+                                     [pEvaluator, &samples = series.samples](benchmark::State& state) {
                                          TraceObject* const pTraceObject = g_traceObject;
                                          g_traceObject = nullptr;
-                                         measureEvaluation<kind>(state, *pDecider, samples);
+                                         measureEvaluation<kind>(state, *pEvaluator, samples);
                                          g_traceObject = pTraceObject;
                                      });
     }
@@ -173,14 +173,15 @@ public:
     void add(const RuleTexts& texts)
     {
         const auto& series = sampleSeries(T());
-        registerEvaluation<kind>(texts, "library", std::make_shared<LibraryDecider<T>>(texts.rule), series);
+        registerEvaluation<kind>(texts, "library", std::make_shared<LibraryEvaluator<T>>(texts.rule), series);
         registerEvaluationWithoutTrace<kind>(texts, series);
         registerEvaluation<kind>(texts, "hand-written", std::make_shared<HandWritten>(), series);
-        registerEvaluation<kind>(texts, "substitution", std::make_shared<SubstitutionDecider<T>>(texts.rule), series);
-        registerEvaluation<kind>(texts, "muparser", std::make_shared<MuparserDecider<T>>(texts.muparserCondition),
+        registerEvaluation<kind>(texts, "substitution", std::make_shared<SubstitutionEvaluator<T>>(texts.rule), series);
+        registerEvaluation<kind>(texts, "muparser", std::make_shared<MuparserEvaluator<T>>(texts.muparserCondition),
                                  series);
-        registerEvaluation<kind>(texts, "lua54", std::make_shared<LuaDecider<T>>(m_lua54, texts.luaCondition), series);
-        registerEvaluation<kind>(texts, "luajit", std::make_shared<LuaDecider<T>>(m_luajit, texts.luaCondition),
+        registerEvaluation<kind>(texts, "lua54", std::make_shared<LuaEvaluator<T>>(m_lua54, texts.luaCondition),
+                                 series);
+        registerEvaluation<kind>(texts, "luajit", std::make_shared<LuaEvaluator<T>>(m_luajit, texts.luaCondition),
                                  series);
 
         registerParsing(texts, "library", [text = texts.rule] {
@@ -188,8 +189,8 @@ public:
             return vemorRules::parseRule(text, &rule);
         });
         registerParsing(texts, "muparser",
-                        [pDecider = std::make_shared<MuparserDecider<T>>(texts.muparserCondition),
-                         condition = texts.muparserCondition] { return pDecider->compile(condition); });
+                        [pEvaluator = std::make_shared<MuparserEvaluator<T>>(texts.muparserCondition),
+                         condition = texts.muparserCondition] { return pEvaluator->compile(condition); });
         registerLuaParsing(texts, "lua54", m_lua54);
         registerLuaParsing(texts, "luajit", m_luajit);
     }

@@ -1,8 +1,8 @@
 #ifndef BENCH_SIDE_BY_SIDE_H
 #define BENCH_SIDE_BY_SIDE_H
 
-// Times an operation right beside what it cannot do without. The two take turns in short batches, so that what else the
-// machine does meets both alike; the times are medians.
+// Times an operation next to the bare calls that it must make. The two alternate in short batches, so that other load
+// on the machine affects both alike; the times are medians.
 
 #include <algorithm>
 #include <chrono>
@@ -12,7 +12,7 @@
 
 struct SideBySide {
     double ns;      ///< of the operation
-    double bareNs;  ///< of what it cannot do without
+    double bareNs;  ///< of the bare calls
 
     double ratio() const { return ns / bareNs; }
 };

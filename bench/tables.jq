@@ -1,4 +1,4 @@
-# The tables of docs/performance.md from what the benchmarks write. Times are medians, in nanoseconds.
+# Makes the tables of docs/performance.md from the output of the benchmarks. Times are medians, in nanoseconds.
 
 def times($series):
     [.[0].benchmarks | sort_by(.family_index)[]
@@ -16,7 +16,7 @@ def decimals($count): pow(10; $count) as $unit
     | if $count == 0 then $digits
       else (("0" * ([0, $count + 1 - ($digits | length)] | max)) // "") + $digits | .[:-$count] + "." + .[-$count:] end;
 
-# The finer the smaller, so that a ratio around 1 can be told from 1.
+# Small numbers get more digits, so that a ratio near 1 can be distinguished from 1.
 def short: decimals(if . < 2 then 2 elif . < 9.95 then 1 else 0 end);
 
 def row: "| " + join(" | ") + " |";
@@ -54,7 +54,7 @@ def codecTable($series; $limit):
              $ns.netsnmp / $ns.library, $ns.library / $copied[$rule]] | map(short))
        | row);
 
-# The peers' own form beside what the library does, conversion of the values included.
+# The peers' own form compared with the library, which includes the conversion of the values.
 def ownFormTable($series):
     (times($series) | map({key: .rule, value: .ns.library}) | from_entries) as $library
     | (["values", "protobuf : library", "nanopb : library", "msgpack-cxx : library"] | row),

@@ -1,23 +1,24 @@
 #include "cards/Card.h"
 
-#include <arpa/inet.h>
-
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
+#include <arpa/inet.h>
+
 #include "cards/OidTable.h"
-#include "cards/TlvElements.h"
+#include "cards/Tlv.h"
+#include "common/PrintableText.h"
 #include "message/OBresult.h"
 
+namespace brantel {
 namespace {
 
 constexpr int INVALID_NR_OF_TLVS = 0x06000000;
 
-constexpr std::size_t MAX_NAME_LENGTH = 32;
+constexpr std::size_t MAX_NAME_LENGTH = 32;  // characters
 constexpr std::size_t MAX_LOCATION_LENGTH = 64;
 constexpr std::size_t MAX_FAULTS_LENGTH = 256;
 
@@ -26,32 +27,36 @@ std::function<int(const boost::any&)> within(int lowest, int highest)
 {
     return [lowest, highest](const boost::any& any) {
         const auto value = boost::any_cast<Value>(any);
-        return ((value >= lowest) && (value <= highest)) ? RESULT_OK : RESULT_WRONG_VALUE;
+        return ((value >= lowest) && (value <= highest)) ? icsc::RESULT_OK : icsc::RESULT_WRONG_VALUE;
     };
 }
 
 int acceptAny(const boost::any&)
 {
-    return RESULT_OK;
+    return icsc::RESULT_OK;
 }
 
 int checkName(const boost::any& value)
 {
-    return (boost::any_cast<std::string>(value).size() <= MAX_NAME_LENGTH) ? RESULT_OK : RESULT_TOO_LONG;
+    const auto& name = boost::any_cast<const std::string&>(value);
+    if (utf8Length(name) < name.size()) {
+        return icsc::RESULT_WRONG_VALUE;
+    }
+    return (characterCount(name, name.size()) <= MAX_NAME_LENGTH) ? icsc::RESULT_OK : icsc::RESULT_TOO_LONG;
 }
 
 int checkLocation(const boost::any& value)
 {
-    return (boost::any_cast<buffer_t>(value).size() <= MAX_LOCATION_LENGTH) ? RESULT_OK : RESULT_TOO_LONG;
+    return (boost::any_cast<buffer_t>(value).size() <= MAX_LOCATION_LENGTH) ? icsc::RESULT_OK : icsc::RESULT_TOO_LONG;
 }
 
 int checkFaults(const boost::any& value)
 {
     const auto& text = boost::any_cast<const std::string&>(value);
     if (text.size() > MAX_FAULTS_LENGTH) {
-        return RESULT_TOO_LONG;
+        return icsc::RESULT_TOO_LONG;
     }
-    return faultsOfText(text) ? RESULT_OK : RESULT_WRONG_VALUE;
+    return parseFaults(text) ? icsc::RESULT_OK : icsc::RESULT_WRONG_VALUE;
 }
 
 in_addr addressOfSlot(std::uint32_t slot)
@@ -63,16 +68,6 @@ in_addr addressOfSlot(std::uint32_t slot)
 
 }  // namespace
 
-void addConstant(CardObjects& objects, std::uint32_t oid, OidValueType type, const boost::any& value)
-{
-    objects[oid] = {type, [value] { return value; }, nullptr, nullptr};
-}
-
-double steadySeconds()
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
 Card::Card(std::uint32_t slot, const std::string& source, CardObjects sourceObjects)
     : m_slot(slot), m_objects(std::move(sourceObjects))
 {
@@ -83,15 +78,13 @@ void Card::addOwnObjects(std::uint32_t slot, const std::string& source)
 {
     using namespace oids;
     constexpr unsigned long long LOCALLY_ADMINISTERED = 0x020000000000;
-    addConstant(m_objects, CARD_SLOT, OID_TYPE_UINT8, static_cast<unsigned char>(slot));
-    addConstant(m_objects, CARD_SOURCE, OID_TYPE_STRING, source.substr(0, MAX_TEXT_LENGTH));
-    addConstant(m_objects, CARD_MAC, OID_TYPE_MAC_ADDRESS, LOCALLY_ADMINISTERED + slot);
-    m_objects[CARD_UPTIME] = {OID_TYPE_UINT32, [this] { return static_cast<unsigned int>(steadySeconds() - m_start); },
-                              nullptr, nullptr};
-    m_objects[CARD_READS] = {OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_reads); }, nullptr,
-                             nullptr};
-    m_objects[CARD_WRITES] = {OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_writes); }, nullptr,
-                              nullptr};
+    m_objects[CARD_SLOT] = constant(OID_TYPE_UINT8, static_cast<unsigned char>(slot));
+    m_objects[CARD_SOURCE] = constant(OID_TYPE_STRING, source.substr(0, MAX_TEXT_LENGTH));
+    m_objects[CARD_MAC] = constant(OID_TYPE_MAC_ADDRESS, LOCALLY_ADMINISTERED + slot);
+    m_objects[CARD_UPTIME] =
+        readOnly(OID_TYPE_UINT32, [this] { return static_cast<unsigned int>(steadySeconds() - m_start); });
+    m_objects[CARD_READS] = readOnly(OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_reads); });
+    m_objects[CARD_WRITES] = readOnly(OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_writes); });
 
     addWritable(CARD_NAME, OID_TYPE_STRING, "card " + std::to_string(slot), checkName);
     addWritable(CARD_ADDRESS, OID_TYPE_IPV4_ADDRESS, addressOfSlot(slot), acceptAny);
@@ -104,11 +97,11 @@ void Card::addOwnObjects(std::uint32_t slot, const std::string& source)
     addWritable(CARD_ALARM_THRESHOLD, OID_TYPE_INT32, 0, acceptAny);
     addWritable(CARD_CLOCK_OFFSET, OID_TYPE_INT64, 0LL, acceptAny);
     addWritable(CARD_SELF_TEST, OID_TYPE_BOOL, false, [this](const boost::any&) {
-        return boost::any_cast<bool>(m_objects.at(CARD_ENABLED).read()) ? RESULT_OK : RESULT_CANNOT_EXEC;
+        return boost::any_cast<bool>(m_objects.at(CARD_ENABLED).read()) ? icsc::RESULT_OK : icsc::RESULT_CANNOT_EXEC;
     });
     m_objects[CARD_FAULT] = {
         OID_TYPE_STRING, [this] { return m_faults.text; }, checkFaults,
-        [this](const boost::any& value) { m_faults = *faultsOfText(boost::any_cast<std::string>(value)); }};
+        [this](const boost::any& value) { m_faults = *parseFaults(boost::any_cast<std::string>(value)); }};
 }
 
 void Card::addWritable(std::uint32_t oid, OidValueType type, const boost::any& initial,
@@ -130,13 +123,13 @@ Card::Answer Card::read(const buffer_t& request)
     tlvs << static_cast<std::uint32_t>(elements->size());
     for (const buffer_t& element : *elements) {
         if (element.size() != sizeof(std::uint32_t)) {
-            return {RESULT_WRONG_LEN, buffer_t()};
+            return {icsc::RESULT_WRONG_LEN, buffer_t()};
         }
         std::uint32_t oid = 0;
         element >> oid;
         const auto object = m_objects.find(oid);
         if (object == m_objects.end()) {
-            return {RESULT_WRONG_OID, buffer_t()};
+            return {icsc::RESULT_WRONG_OID, buffer_t()};
         }
         try {
             tlvs << valueElement(oid, object->second);
@@ -144,7 +137,7 @@ Card::Answer Card::read(const buffer_t& request)
             return {obResult::MESSAGE_TOO_LARGE, buffer_t()};
         }
     }
-    return {RESULT_OK, tlvs};
+    return {icsc::RESULT_OK, tlvs};
 }
 
 buffer_t Card::valueElement(std::uint32_t oid, const CardObject& object)
@@ -167,14 +160,14 @@ int Card::write(const buffer_t& request)
     std::vector<Write> writes(elements->size());
     for (std::size_t i = 0; i < writes.size(); ++i) {
         const int result = checkWrite((*elements)[i], writes[i]);
-        if (result != RESULT_OK) {
+        if (result != icsc::RESULT_OK) {
             return result;
         }
     }
     for (const Write& each : writes) {
         each.pObject->write(each.value);
     }
-    return RESULT_OK;
+    return icsc::RESULT_OK;
 }
 
 int Card::checkWrite(const buffer_t& element, Write& write) const
@@ -182,18 +175,18 @@ int Card::checkWrite(const buffer_t& element, Write& write) const
     std::uint32_t oid = 0;
     unsigned char type = 0;
     if (element.size() < sizeof oid + sizeof type) {
-        return RESULT_WRONG_LEN;
+        return icsc::RESULT_WRONG_LEN;
     }
     element >> oid >> type;
     const auto object = m_objects.find(oid);
     if (object == m_objects.end()) {
-        return RESULT_WRONG_OID;
+        return icsc::RESULT_WRONG_OID;
     }
     if (!object->second.check) {
-        return RESULT_READ_ONLY;
+        return icsc::RESULT_READ_ONLY;
     }
     if (type != object->second.type) {
-        return RESULT_WRONG_TYPE;
+        return icsc::RESULT_WRONG_TYPE;
     }
     // What is decoded and encoded again must be the same: neither cut nor followed by more.
     buffer_t stream;
@@ -203,7 +196,7 @@ int Card::checkWrite(const buffer_t& element, Write& write) const
     if (!convertTlvsToOidTypeValueMap(m_slot, stream, values, nullptr) ||
         !convertOidTypeValueContainerToTlvs({{oid, object->second.type, values[oid].value}}, streamAgain) ||
         (stream.size() != streamAgain.size())) {
-        return RESULT_WRONG_LEN;
+        return icsc::RESULT_WRONG_LEN;
     }
     write = {&object->second, values[oid].value};
     return object->second.check(write.value);
@@ -219,3 +212,5 @@ bool Card::isAboutFaultsOnly(const buffer_t& request)
     elements->front() >> oid;
     return oid == oids::CARD_FAULT;
 }
+
+}  // namespace brantel

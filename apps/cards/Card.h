@@ -1,14 +1,16 @@
 #ifndef APPS_CARDS_CARD_H
 #define APPS_CARDS_CARD_H
 
-// A card without its connection: takes request streams and makes answer streams and result codes of them. A request
-// that cannot be carried out wholly is refused wholly.
+// A card without its connection: turns request streams into answer streams and result codes. A request that cannot
+// be carried out completely is refused as a whole.
 
 #include <cstdint>
 #include <string>
 
 #include "cards/CardObjects.h"
 #include "cards/Faults.h"
+
+namespace brantel {
 
 class Card {
 public:
@@ -29,7 +31,7 @@ public:
     const Faults& faults() const { return m_faults; }
     void setFaults(const Faults& faults) { m_faults = faults; }
 
-    /// Whether the request is about the object that holds the faults, and nothing else: such a one is spared by them.
+    /// Whether the request is about the object that holds the faults alone: faults do not affect it.
     static bool isAboutFaultsOnly(const buffer_t& request);
 
 private:
@@ -51,5 +53,7 @@ private:
     std::uint64_t m_reads = 0;
     std::uint64_t m_writes = 0;
 };
+
+}  // namespace brantel
 
 #endif

@@ -1,20 +1,20 @@
 #include "cards/CardClient.h"
 
-#include <algorithm>
-#include <optional>
+#include <string>
 
-#include "cards/OidTable.h"
-#include "cards/ValueText.h"
-#include "common/CommandLine.h"
+namespace brantel {
 
-CardClient::CardClient(std::uint32_t slot) : m_slot(slot)
+CardClient::CardClient(std::uint32_t slot) : m_slot(slot), m_interface(icsc::Interface::SYNC)
 {
+    OBcomponent::requireRoomFor(1);
     IcscClientProxy::createInstance();
     IcscClientProxy::getInstance().subscribeInterface(slot, m_component);
 }
 
-CardClient::CardClient(std::uint32_t slot, OBappsToICSC_1_0_PR& replies) : m_slot(slot)
+CardClient::CardClient(std::uint32_t slot, OBappsToICSC_1_0_PR& replies)
+    : m_slot(slot), m_interface(icsc::Interface::ASYNC)
 {
+    OBcomponent::requireRoomFor(2);  // with the one that a watch looks for the card with
     IcscClientProxy::createInstance();
     IcscClientProxy::getInstance().subscribeAsyncInterface(slot, m_component, replies);
 }
@@ -24,10 +24,28 @@ CardClient::~CardClient()
     IcscClientProxy::deleteInstance();
 }
 
-// IcscClientProxy::getOidsSync would not tell a call that failed from an answer that is unsound.
+bool CardClient::mayBeServed(std::chrono::milliseconds patience)
+{
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds CHECK_INTERVAL{20};
+    const std::string service = icsc::serviceName(m_slot, m_interface);
+    const Clock::time_point deadline = Clock::now() + patience;
+    while (m_component.isServiceAbsent(service) && !m_component.isStopping()) {
+        if (Clock::now() >= deadline) {
+            return false;
+        }
+        m_component.dispatch(CHECK_INTERVAL);
+    }
+    return true;
+}
+
+// Not getOidsSync, which has the same result for a call that failed and for a malformed answer.
 Reading CardClient::read(const ObjectIdContainer& oids, std::int32_t timeout)
 {
     ReadPlan plan(m_slot, oids);
+    if (!mayBeServed(STARTING_TIME)) {
+        plan.takeNoAnswer(NOT_SERVED);
+    }
     while (!plan.isDone()) {
         buffer_t tlvs;
         std::int32_t result = 0;
@@ -48,6 +66,9 @@ bool CardClient::startReading(const ObjectIdContainer& request)
 
 CallOutcome CardClient::write(const OidTypeValueContainer& values, std::int32_t timeout)
 {
+    if (!mayBeServed(STARTING_TIME)) {
+        return NOT_SERVED;
+    }
     buffer_t tlvs;
     std::int32_t result = 0;
     convertOidTypeValueContainerToTlvs(values, tlvs);
@@ -55,26 +76,4 @@ CallOutcome CardClient::write(const OidTypeValueContainer& values, std::int32_t 
     return isAnswered ? result : NO_ANSWER;
 }
 
-ObjectIdContainer oidsOfArguments(const std::vector<std::string>& arguments)
-{
-    ObjectIdContainer oids;
-    for (const std::string& argument : arguments) {
-        const std::uint32_t oid = oidOfArgument(argument);
-        if (std::find(oids.begin(), oids.end(), oid) == oids.end()) {
-            oids.push_back(oid);
-        }
-    }
-    return oids;
-}
-
-std::uint32_t oidOfArgument(const std::string& argument)
-{
-    if (const std::optional<std::uint32_t> number = numberOfText(argument)) {
-        return *number;
-    }
-    const OidEntry* const pEntry = findOid(argument);
-    if (pEntry == nullptr) {
-        throw CommandError("'" + argument + "' is neither a number nor the name of an object (brantel card objects)");
-    }
-    return pEntry->oid;
-}
+}  // namespace brantel

@@ -1,18 +1,18 @@
 #ifndef APPS_CARDS_CARD_CLIENT_H
 #define APPS_CARDS_CARD_CLIENT_H
 
-// The command's way to the card in one slot: the library's client with a component for it, and the OIDs of the command
-// line. One at a time.
+// The command's way to the card in one slot: the library's client with a component for it. One at a time.
 
+#include <chrono>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "IcscClientProxy.h"
 #include "cards/ReadPlan.h"
 #include "message/OBcomponent.h"
 
 class OBappsToICSC_1_0_PR;
+
+namespace brantel {
 
 class CardClient {
 public:
@@ -28,22 +28,28 @@ public:
 
     OBcomponent& component() { return m_component; }
 
-    /// In as many requests as it takes, each of which the card may take `timeout` seconds for.
+    /// How long a card that is about to start is waited for.
+    static constexpr std::chrono::milliseconds STARTING_TIME{500};
+
+    /// False if certainly no card is serving the slot, and none starts within `patience`.
+    bool mayBeServed(std::chrono::milliseconds patience);
+
+    /// In as many requests as it takes, each of which the card may take `timeout` seconds for; in none where
+    /// certainly no card is.
     Reading read(const ObjectIdContainer& oids, std::int32_t timeout);
 
     /// Sends one request to read; false if it could not be sent.
     bool startReading(const ObjectIdContainer& request);
 
-    /// Writes values that fit into one request. Returns the result code, or NO_ANSWER.
+    /// Writes values that fit into one request. Returns the result code, NO_ANSWER or NOT_SERVED.
     CallOutcome write(const OidTypeValueContainer& values, std::int32_t timeout);
 
 private:
     const std::uint32_t m_slot;
+    const icsc::Interface m_interface;
     OBcomponent m_component{"brantel"};
 };
 
-/// The OIDs that the command line names, by number or by name, each once. Throws CommandError.
-ObjectIdContainer oidsOfArguments(const std::vector<std::string>& arguments);
-std::uint32_t oidOfArgument(const std::string& argument);
+}  // namespace brantel
 
 #endif

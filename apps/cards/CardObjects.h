@@ -1,8 +1,8 @@
 #ifndef APPS_CARDS_CARD_OBJECTS_H
 #define APPS_CARDS_CARD_OBJECTS_H
 
-// What a card is made of: its objects by OID, each able to tell its value and, if it is writable, to check and take
-// one. The functions below add the objects of one source each.
+// What a card is made of: its objects by OID, each with a way to read its value and, if it is writable, to check and
+// write one. The functions below add the objects of one source each.
 
 #include <cstddef>
 #include <cstdint>
@@ -10,19 +10,10 @@
 #include <map>
 #include <string>
 
+#include "Icsc.h"
 #include "IfcCardStatusAndControl.h"
 
-/// Results of the card itself, as far as it gives them.
-enum CardResult : int {
-    RESULT_OK = 0,
-    RESULT_WRONG_TYPE = 6,
-    RESULT_WRONG_OID = 7,
-    RESULT_WRONG_LEN = 8,
-    RESULT_WRONG_VALUE = 9,
-    RESULT_READ_ONLY = 10,
-    RESULT_TOO_LONG = 11,
-    RESULT_CANNOT_EXEC = 12
-};
+namespace brantel {
 
 /// The longest string of an object, in bytes: two of them fit into an answer.
 constexpr std::size_t MAX_TEXT_LENGTH = 1000;
@@ -30,14 +21,16 @@ constexpr std::size_t MAX_TEXT_LENGTH = 1000;
 struct CardObject {
     OidValueType type = OID_TYPE_UINT64;
     std::function<boost::any()> read;
-    std::function<int(const boost::any&)> check;   ///< of a value of the right type; none: read only
+    std::function<int(const boost::any&)> check;   ///< of a value of the right type: a result code; none: read only
     std::function<void(const boost::any&)> write;  ///< takes a value that was checked
 };
 
 using CardObjects = std::map<std::uint32_t, CardObject>;
 
+CardObject readOnly(OidValueType type, std::function<boost::any()> read);
+
 /// An object that does not change.
-void addConstant(CardObjects& objects, std::uint32_t oid, OidValueType type, const boost::any& value);
+CardObject constant(OidValueType type, const boost::any& value);
 
 /// Seconds since some moment, for values that change with time.
 using SecondsClock = std::function<double()>;
@@ -62,5 +55,7 @@ void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsC
 
 /// The signals of a description, each at the start of its first period now. Throws CommandError if it cannot be read.
 void addWaveObjects(CardObjects& objects, const std::string& file, const SecondsClock& clock = steadySeconds);
+
+}  // namespace brantel
 
 #endif

@@ -3,12 +3,12 @@
 #include <algorithm>
 
 #include "icsc/OBappsToICSC_1_0_C.h"
+#include "message/OBresult.h"
 
+namespace brantel {
 namespace {
 
 constexpr std::chrono::milliseconds LONGEST_WAIT{60'000};
-
-constexpr const char* INTERFACES[] = {"ReadWriteSync", "ReadWriteAsync"};
 
 }  // namespace
 
@@ -36,21 +36,20 @@ private:
 
 CardServer::CardServer(OBcomponent& component, std::uint32_t slot, Card& card) : m_component(component), m_card(card)
 {
-    for (const char* const interface : INTERFACES) {
-        const std::string name = "ICSCClient" + std::to_string(slot) + "." + interface;
-        m_connections.push_back(std::make_unique<Connection>(component, name, *this));
+    for (const icsc::Interface interface : {icsc::Interface::SYNC, icsc::Interface::ASYNC}) {
+        m_connections.push_back(std::make_unique<Connection>(component, icsc::serviceName(slot, interface), *this));
     }
 }
 
 CardServer::~CardServer() = default;
 
-std::vector<std::string> CardServer::places() const
+std::vector<std::string> CardServer::endpoints() const
 {
-    std::vector<std::string> places;
+    std::vector<std::string> endpoints;
     for (const auto& pConnection : m_connections) {
-        places.push_back(pConnection->serviceName() + " at " + pConnection->endpoint());
+        endpoints.push_back(pConnection->serviceName() + " at " + pConnection->endpoint());
     }
-    return places;
+    return endpoints;
 }
 
 void CardServer::run()
@@ -65,8 +64,10 @@ void CardServer::answerRead(Connection& connection, const OBmessage& request, co
 {
     const Faults faults = faultsFor(tlvs);
     Card::Answer answer = faults.result ? Card::Answer{*faults.result, buffer_t()} : m_card.read(tlvs);
-    if (answer.result == RESULT_OK) {
-        answer.tlvs = spoiltStream(faults, answer.tlvs);
+    if (answer.result == icsc::RESULT_OK) {
+        const std::optional<buffer_t> corrupted = corruptedStream(faults, answer.tlvs);
+        answer = corrupted ? Card::Answer{icsc::RESULT_OK, *corrupted}
+                           : Card::Answer{obResult::MESSAGE_TOO_LARGE, buffer_t()};
     }
     give(connection, request, answer, faults);
 }
@@ -115,3 +116,5 @@ std::chrono::milliseconds CardServer::timeToNextAnswer() const
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(m_delayedAnswers.begin()->first - Clock::now());
     return std::clamp(wait, std::chrono::milliseconds(0), LONGEST_WAIT);
 }
+
+}  // namespace brantel

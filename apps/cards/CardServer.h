@@ -14,6 +14,8 @@
 #include "message/OBcomponent.h"
 #include "message/OBmessage.h"
 
+namespace brantel {
+
 class CardServer {
 public:
     /// Throws std::runtime_error if the slot's services cannot be served.
@@ -21,7 +23,7 @@ public:
     ~CardServer();
 
     /// Where both interfaces are served, "NAME at ENDPOINT" each.
-    std::vector<std::string> places() const;
+    std::vector<std::string> endpoints() const;
 
     /// Dispatches until the component is stopped.
     void run();
@@ -49,5 +51,7 @@ private:
     std::multimap<Clock::time_point, DelayedAnswer> m_delayedAnswers;
     std::vector<std::unique_ptr<Connection>> m_connections;
 };
+
+}  // namespace brantel
 
 #endif

@@ -6,21 +6,26 @@
 
 #include "cards/CardObjects.h"
 #include "cards/OidTable.h"
+#include "cards/SourceFile.h"
 #include "cards/ValueText.h"
 #include "common/CommandLine.h"
+#include "common/CsvReader.h"
 #include "common/LineReader.h"
-#include "samples/CsvReader.h"
+#include "common/PrintableText.h"
 #include "samples/SampleTime.h"
 
+namespace brantel {
 namespace {
 
 constexpr std::size_t MAX_ROWS = 1'000'000;
+constexpr std::size_t MAX_SIZE = std::size_t{256} << 20U;  // of the file, which is kept whole
 
 // A recording is kept whole: it is replayed again and again.
 class Recording {
 public:
     Recording(const CsvReplay& replay, const SecondsClock& clock) : m_replay(replay), m_clock(clock)
     {
+        checkSourceFile(replay.file, MAX_SIZE);
         LineReader lines(replay.file);
         CsvReader reader(lines);
         while (std::optional<CsvRow> row = reader.next()) {
@@ -53,7 +58,7 @@ public:
     OidValueType typeOf(std::size_t column) const
     {
         for (const OidValueType type : {OID_TYPE_INT32, OID_TYPE_UINT32, OID_TYPE_INT64, OID_TYPE_UINT64}) {
-            const auto fits = [&](const Row& row) { return valueOfText(type, row.fields[column]).has_value(); };
+            const auto fits = [&](const Row& row) { return parseValue(type, row.fields[column]).has_value(); };
             if (std::all_of(m_rows.begin(), m_rows.end(), fits)) {
                 return type;
             }
@@ -103,55 +108,63 @@ private:
 
     void addRow(CsvRow row)
     {
-        const std::string place = m_replay.file + ":" + std::to_string(row.line);
+        const std::string location = m_replay.file + ":" + std::to_string(row.line);
         for (const std::string& field : row.fields) {
             if (field.size() > MAX_TEXT_LENGTH) {
-                throw CommandError(place + ": a field is longer than " + std::to_string(MAX_TEXT_LENGTH) + " bytes");
+                throw CommandError(location + ": a field is longer than " + std::to_string(MAX_TEXT_LENGTH) + " bytes");
             }
         }
         if (m_header.empty()) {
-            takeHeader(std::move(row.fields), place);
+            takeHeader(std::move(row.fields), location);
             return;
         }
         if (row.fields.size() != m_header.size()) {
-            throw CommandError(place + ": " + std::to_string(row.fields.size()) + " fields, but the header has " +
+            throw CommandError(location + ": " + std::to_string(row.fields.size()) + " fields, but the header has " +
                                std::to_string(m_header.size()));
         }
         if (m_rows.size() == MAX_ROWS) {
-            throw CommandError(place + ": more than " + std::to_string(MAX_ROWS) + " rows");
+            throw CommandError(location + ": more than " + std::to_string(MAX_ROWS) + " rows");
         }
-        const double seconds = secondsOfRow(row.fields, place);
+        const double seconds = secondsOfRow(row.fields, location);
         if (!m_rows.empty() && (seconds < m_rows.back().seconds)) {
-            throw CommandError(place + ": its time is before that of the row above");
+            throw CommandError(location + ": its time is before that of the row above");
         }
         m_rows.push_back({seconds, std::move(row.fields)});
     }
 
-    void takeHeader(std::vector<std::string> fields, const std::string& place)
+    void takeHeader(std::vector<std::string> fields, const std::string& location)
     {
+        for (const std::string& name : fields) {
+            if (utf8Length(name) < name.size()) {
+                throw CommandError(location + ": the name of the column " + inQuotes(name) + " is not UTF-8");
+            }
+        }
         m_header = std::move(fields);
         const std::string wanted = m_replay.timeColumn.empty() ? "time" : m_replay.timeColumn;
+        if (std::count(m_header.begin(), m_header.end(), wanted) > 1) {
+            throw CommandError(location + ": several columns are named " + inQuotes(wanted));
+        }
         const auto column = std::find(m_header.begin(), m_header.end(), wanted);
         if (column != m_header.end()) {
             m_timeColumn = static_cast<std::size_t>(column - m_header.begin());
         } else if (!m_replay.timeColumn.empty()) {
-            throw CommandError(place + ": no column '" + m_replay.timeColumn + "'");
+            throw CommandError(location + ": no column " + inQuotes(m_replay.timeColumn));
         }
         const std::size_t nColumns = valueColumns().size();
         if ((nColumns == 0) || (nColumns > oids::MAX_SIGNALS)) {
-            throw CommandError(place + ": " + std::to_string(nColumns) + " columns of values, not 1 to " +
+            throw CommandError(location + ": " + std::to_string(nColumns) + " columns of values, not 1 to " +
                                std::to_string(oids::MAX_SIGNALS));
         }
     }
 
-    double secondsOfRow(const std::vector<std::string>& fields, const std::string& place)
+    double secondsOfRow(const std::vector<std::string>& fields, const std::string& location)
     {
         if (m_timeColumn == NO_COLUMN) {
             return static_cast<double>(m_rows.size()) * m_replay.interval;
         }
-        const std::optional<double> seconds = secondsOf(fields[m_timeColumn]);
+        const std::optional<double> seconds = m_times.parse(fields[m_timeColumn]);
         if (!seconds) {
-            throw CommandError(place + ": '" + fields[m_timeColumn] + "' is not a time");
+            throw CommandError(location + ": " + inQuotes(fields[m_timeColumn]) + " is not a time");
         }
         if (m_rows.empty()) {
             m_firstTime = *seconds;
@@ -173,6 +186,7 @@ private:
     const SecondsClock m_clock;
     std::vector<std::string> m_header;
     std::size_t m_timeColumn = NO_COLUMN;
+    SampleTimes m_times;
     double m_firstTime = 0;
     std::vector<Row> m_rows;
     double m_duration = 0;
@@ -184,7 +198,7 @@ private:
 void addRowObject(CardObjects& objects, const std::shared_ptr<Recording>& pRecording)
 {
     const auto check = [pRecording](const boost::any& value) {
-        return pRecording->hasRow(boost::any_cast<unsigned int>(value)) ? RESULT_OK : RESULT_WRONG_VALUE;
+        return pRecording->hasRow(boost::any_cast<unsigned int>(value)) ? icsc::RESULT_OK : icsc::RESULT_WRONG_VALUE;
     };
     const auto write = [pRecording](const boost::any& value) {
         pRecording->setRowNumber(boost::any_cast<unsigned int>(value));
@@ -200,13 +214,14 @@ void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsC
     std::uint32_t index = 0;
     for (const std::size_t column : pRecording->valueColumns()) {
         const OidValueType type = pRecording->typeOf(column);
-        objects[oids::CSV_COLUMN + index] = {
-            type, [pRecording, column, type] { return *valueOfText(type, pRecording->fieldNow(column)); }, nullptr,
-            nullptr};
-        addConstant(objects, oids::CSV_LABEL + index, OID_TYPE_STRING, pRecording->label(column));
+        objects[oids::CSV_COLUMN + index] =
+            readOnly(type, [pRecording, column, type] { return *parseValue(type, pRecording->fieldNow(column)); });
+        objects[oids::CSV_LABEL + index] = constant(OID_TYPE_STRING, pRecording->label(column));
         ++index;
     }
     if (pRecording->isStepped()) {
         addRowObject(objects, pRecording);
     }
 }
+
+}  // namespace brantel

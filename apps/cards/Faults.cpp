@@ -1,45 +1,45 @@
 #include "cards/Faults.h"
 
-#include <cstdlib>
-#include <sstream>
+#include <limits>
+#include <stdexcept>
 #include <vector>
 
-#include "cards/TlvElements.h"
-#include "cards/ValueText.h"
+#include "cards/CardObjects.h"
+#include "cards/Tlv.h"
+#include "common/Numbers.h"
 
+namespace brantel {
 namespace {
 
 constexpr double LONGEST_DELAY = 3600;
-constexpr std::size_t POS_TYPE = sizeof(std::uint32_t);  // in an element: after the OID
 constexpr unsigned char TYPE_THAT_DOES_NOT_EXIST = 11;
 
-std::optional<double> secondsOfText(const std::string& text)
+constexpr const char* FAULT_NAMES =
+    "delay=SECONDS, silence, no-answer, result=CODE, duplicate-oid, missing-oid, foreign-oid, wrong-count, "
+    "wrong-type[=CODE], wrong-length=BYTES and truncated";
+
+std::string rangeText(const std::string& what, const std::string& lowest, const std::string& highest)
 {
-    char* pEnd = nullptr;
-    const double seconds = std::strtod(text.c_str(), &pEnd);
-    const bool isNumber = !text.empty() && (*pEnd == '\0');
-    return (isNumber && (seconds >= 0) && (seconds <= LONGEST_DELAY)) ? std::optional(seconds) : std::nullopt;
+    return what + " is a number from " + lowest + " to " + highest;
 }
 
-bool takeFault(const std::string& kind, const std::string& argument, bool hasArgument, Faults& faults)
+// One fault of the list: "NAME" or "NAME=ARGUMENT".
+struct WrittenFault {
+    explicit WrittenFault(const std::string& text) : name(text.substr(0, text.find('=')))
+    {
+        if (name.size() < text.size()) {
+            argument = text.substr(name.size() + 1);
+        }
+    }
+
+    std::string name;
+    std::optional<std::string> argument;
+};
+
+bool takeSwitch(const WrittenFault& fault, Faults& faults)
 {
-    if (kind == "delay") {
-        faults.delay = secondsOfText(argument);
-        return faults.delay.has_value();
-    }
-    if (kind == "result") {
-        const std::optional<std::uint32_t> code = numberOfText(argument);
-        faults.result = code ? std::optional(static_cast<std::int32_t>(*code)) : std::nullopt;
-        return code.has_value();
-    }
-    if (kind == "wrong-type") {
-        const std::optional<std::uint32_t> code =
-            hasArgument ? numberOfText(argument) : std::optional<std::uint32_t>(TYPE_THAT_DOES_NOT_EXIST);
-        faults.wrongType = static_cast<unsigned char>(code.value_or(0));
-        return code && (*code <= UINT8_MAX);
-    }
     const struct {
-        const char* kind;
+        const char* name;
         bool& isOn;
     } switches[] = {
         {"silence", faults.isSilent},
@@ -51,12 +51,65 @@ bool takeFault(const std::string& kind, const std::string& argument, bool hasArg
         {"truncated", faults.isTruncated},
     };
     for (const auto& entry : switches) {
-        if ((kind == entry.kind) && !hasArgument) {
+        if ((fault.name == entry.name) && !fault.argument) {
             entry.isOn = true;
             return true;
         }
     }
     return false;
+}
+
+// Adds one fault. Returns what is wrong with it, or nothing.
+std::string takeFault(const WrittenFault& fault, Faults& faults)
+{
+    const std::string argument = fault.argument.value_or("");
+    if (fault.name == "delay") {
+        faults.delay = parseReal(argument, 0, LONGEST_DELAY);
+        return faults.delay ? "" : rangeText("the delay", "0", "3600 seconds");
+    }
+    if (fault.name == "result") {
+        const auto code = parseInteger<std::uint32_t>(argument, 1, std::numeric_limits<std::uint32_t>::max());
+        faults.result = code ? std::optional(static_cast<std::int32_t>(*code)) : std::nullopt;
+        return code ? "" : rangeText("the result code of a failure", "1", "4294967295");
+    }
+    if (fault.name == "wrong-type") {
+        faults.wrongType = fault.argument ? parseInteger<unsigned char>(argument, 0, UINT8_MAX)
+                                          : std::optional(TYPE_THAT_DOES_NOT_EXIST);
+        return faults.wrongType ? "" : rangeText("a type code", "0", "255");
+    }
+    if (fault.name == "wrong-length") {
+        faults.wrongLength = parseInteger<std::size_t>(argument, 0, MAX_TEXT_LENGTH);
+        return faults.wrongLength ? "" : rangeText("the length", "0", std::to_string(MAX_TEXT_LENGTH) + " bytes");
+    }
+    return takeSwitch(fault, faults) ? "" : std::string("the faults are ") + FAULT_NAMES;
+}
+
+std::vector<std::string> partsOf(const std::string& list)
+{
+    std::vector<std::string> parts;
+    std::size_t begin = 0;
+    for (std::size_t end = list.find(','); end != std::string::npos; end = list.find(',', begin)) {
+        parts.push_back(list.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    parts.push_back(list.substr(begin));
+    return parts;
+}
+
+// Returns what is wrong with the list, or nothing.
+std::string takeFaults(const std::string& text, Faults& faults)
+{
+    faults.text = text;
+    if (text.empty()) {
+        return "";
+    }
+    for (const std::string& part : partsOf(text)) {
+        const std::string reason = takeFault(WrittenFault(part), faults);
+        if (!reason.empty()) {
+            return "'" + part + "': " + reason;
+        }
+    }
+    return "";
 }
 
 buffer_t withByte(const buffer_t& buffer, std::size_t position, unsigned char byte)
@@ -66,10 +119,21 @@ buffer_t withByte(const buffer_t& buffer, std::size_t position, unsigned char by
     return buffer_t(bytes.data(), bytes.size());
 }
 
-void spoilElements(const Faults& faults, std::vector<buffer_t>& elements)
+buffer_t withValueLength(const buffer_t& element, std::size_t length)
 {
+    std::string bytes(reinterpret_cast<const char*>(element.data()), element.size());
+    bytes.resize(tlv::POS_VALUE + length);
+    return buffer_t(bytes.data(), bytes.size());
+}
+
+// There is at least one.
+void corruptElements(const Faults& faults, std::vector<buffer_t>& elements)
+{
+    if (faults.wrongLength) {
+        elements.back() = withValueLength(elements.back(), *faults.wrongLength);
+    }
     if (faults.wrongType) {
-        elements.back() = withByte(elements.back(), POS_TYPE, *faults.wrongType);
+        elements.back() = withByte(elements.back(), tlv::POS_TYPE, *faults.wrongType);
     }
     if (faults.hasForeignOid) {
         const auto oidByte = static_cast<unsigned char>(elements.back().data()[0] ^ 0x80U);
@@ -86,31 +150,34 @@ void spoilElements(const Faults& faults, std::vector<buffer_t>& elements)
 
 }  // namespace
 
-std::optional<Faults> faultsOfText(const std::string& text)
+std::optional<Faults> parseFaults(const std::string& text)
 {
     Faults faults;
-    faults.text = text;
-    std::istringstream list(text);
-    for (std::string fault; std::getline(list, fault, ',');) {
-        const std::size_t posEqual = fault.find('=');
-        const bool hasArgument = posEqual != std::string::npos;
-        if (!takeFault(fault.substr(0, posEqual), hasArgument ? fault.substr(posEqual + 1) : "", hasArgument, faults)) {
-            return std::nullopt;
-        }
-    }
-    return faults;
+    return takeFaults(text, faults).empty() ? std::optional(faults) : std::nullopt;
 }
 
-buffer_t spoiltStream(const Faults& faults, const buffer_t& tlvs)
+std::string reasonAgainstFaults(const std::string& text)
 {
-    std::vector<buffer_t> elements = *elementsOf(tlvs);
+    Faults faults;
+    return takeFaults(text, faults);
+}
+
+std::optional<buffer_t> corruptedStream(const Faults& faults, const buffer_t& tlvs)
+{
+    std::vector<buffer_t> elements = elementsOf(tlvs).value_or(std::vector<buffer_t>());
     if (!elements.empty()) {
-        spoilElements(faults, elements);
+        corruptElements(faults, elements);
     }
     buffer_t stream;
     stream << static_cast<std::uint32_t>(elements.size() + (faults.hasWrongCount ? 1 : 0));
-    for (const buffer_t& element : elements) {
-        stream << element;
+    try {
+        for (const buffer_t& element : elements) {
+            stream << element;
+        }
+    } catch (const std::length_error&) {  // the buffer is full
+        return std::nullopt;
     }
     return faults.isTruncated ? buffer_t(stream.data(), stream.size() - 1) : stream;
 }
+
+}  // namespace brantel

@@ -1,6 +1,3 @@
-#include <dirent.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <fstream>
@@ -9,9 +6,13 @@
 #include <string>
 #include <vector>
 
+#include <dirent.h>
+#include <unistd.h>
+
 #include "cards/CardObjects.h"
 #include "cards/OidTable.h"
 
+namespace brantel {
 namespace {
 
 using Number = unsigned long long;
@@ -41,7 +42,7 @@ std::vector<Number> numbersAfter(std::istringstream& line)
     return numbers;
 }
 
-// The number in column `index`, 0 if the kernel does not tell it.
+// The number in column `index`, 0 if the kernel does not report it.
 Number at(const std::vector<Number>& numbers, std::size_t index)
 {
     return (index < numbers.size()) ? numbers[index] : 0;
@@ -137,7 +138,7 @@ Number networkSum(std::size_t column)
     return sum;
 }
 
-// Whole disks stand in /sys/block, their partitions do not; what has no device behind it would count twice.
+// Whole disks are in /sys/block, their partitions are not; what has no device behind it would count twice.
 bool isDisk(const std::string& name)
 {
     return ::access(("/sys/block/" + name + "/device").c_str(), F_OK) == 0;
@@ -205,33 +206,28 @@ int temperatureOf(const std::string& file)
     return thousandths;
 }
 
-void add(CardObjects& objects, std::uint32_t oid, OidValueType type, std::function<boost::any()> read)
-{
-    objects[oid] = {type, std::move(read), nullptr, nullptr};
-}
-
 void addCpu(CardObjects& objects)
 {
     using namespace oids;
-    add(objects, CPU_COUNT, OID_TYPE_UINT16,
-        [] { return static_cast<unsigned short>(::sysconf(_SC_NPROCESSORS_ONLN)); });
+    objects[CPU_COUNT] =
+        readOnly(OID_TYPE_UINT16, [] { return static_cast<unsigned short>(::sysconf(_SC_NPROCESSORS_ONLN)); });
     const auto pBusy = std::make_shared<CpuBusy>();
-    add(objects, CPU_BUSY, OID_TYPE_UINT8, [pBusy] { return pBusy->percent(); });
-    add(objects, CPU_LOAD, OID_TYPE_UINT32, [] {
+    objects[CPU_BUSY] = readOnly(OID_TYPE_UINT8, [pBusy] { return pBusy->percent(); });
+    objects[CPU_LOAD] = readOnly(OID_TYPE_UINT32, [] {
         double load = 0;
         std::istringstream(firstLineOf("/proc/loadavg")) >> load;
         return static_cast<unsigned int>(load * 1000);
     });
-    add(objects, CPU_USER_TIME, OID_TYPE_UINT64, [] {
+    objects[CPU_USER_TIME] = readOnly(OID_TYPE_UINT64, [] {
         const std::vector<Number> ticks = cpuTicks();
         return millisecondsOf(ticks[USER] + ticks[NICE]);
     });
-    add(objects, CPU_SYSTEM_TIME, OID_TYPE_UINT64, [] {
+    objects[CPU_SYSTEM_TIME] = readOnly(OID_TYPE_UINT64, [] {
         const std::vector<Number> ticks = cpuTicks();
         return millisecondsOf(ticks[SYSTEM] + ticks[IRQ] + ticks[SOFT_IRQ]);
     });
-    add(objects, CPU_IDLE_TIME, OID_TYPE_UINT64, [] { return millisecondsOf(cpuTicks()[IDLE]); });
-    add(objects, CPU_IO_WAIT_TIME, OID_TYPE_UINT64, [] { return millisecondsOf(cpuTicks()[IO_WAIT]); });
+    objects[CPU_IDLE_TIME] = readOnly(OID_TYPE_UINT64, [] { return millisecondsOf(cpuTicks()[IDLE]); });
+    objects[CPU_IO_WAIT_TIME] = readOnly(OID_TYPE_UINT64, [] { return millisecondsOf(cpuTicks()[IO_WAIT]); });
 }
 
 void addMemory(CardObjects& objects)
@@ -244,7 +240,7 @@ void addMemory(CardObjects& objects)
         {oids::MEMORY_CACHED, "Cached"},  {oids::SWAP_TOTAL, "SwapTotal"},          {oids::SWAP_FREE, "SwapFree"},
     };
     for (const auto& entry : entries) {
-        add(objects, entry.oid, OID_TYPE_UINT32, [label = entry.label] { return memoryKib(label); });
+        objects[entry.oid] = readOnly(OID_TYPE_UINT32, [label = entry.label] { return memoryKib(label); });
     }
 }
 
@@ -259,25 +255,26 @@ void addNetwork(CardObjects& objects)
         {oids::NETWORK_TX_ERRORS, 10}, {oids::NETWORK_TX_DROPPED, 11},
     };
     for (const auto& entry : entries) {
-        add(objects, entry.oid, OID_TYPE_UINT64, [column = entry.column] { return networkSum(column); });
+        objects[entry.oid] = readOnly(OID_TYPE_UINT64, [column = entry.column] { return networkSum(column); });
     }
 }
 
 void addDisks(CardObjects& objects)
 {
     constexpr Number SECTORS_PER_KIB = 2;  // the kernel's sectors are 512 bytes here, whatever the disk's are
-    add(objects, oids::DISK_READS, OID_TYPE_UINT64, [] { return diskSum(0); });
-    add(objects, oids::DISK_READ_KIB, OID_TYPE_UINT64, [] { return diskSum(2) / SECTORS_PER_KIB; });
-    add(objects, oids::DISK_WRITES, OID_TYPE_UINT64, [] { return diskSum(4); });
-    add(objects, oids::DISK_WRITTEN_KIB, OID_TYPE_UINT64, [] { return diskSum(6) / SECTORS_PER_KIB; });
+    objects[oids::DISK_READS] = readOnly(OID_TYPE_UINT64, [] { return diskSum(0); });
+    objects[oids::DISK_READ_KIB] = readOnly(OID_TYPE_UINT64, [] { return diskSum(2) / SECTORS_PER_KIB; });
+    objects[oids::DISK_WRITES] = readOnly(OID_TYPE_UINT64, [] { return diskSum(4); });
+    objects[oids::DISK_WRITTEN_KIB] = readOnly(OID_TYPE_UINT64, [] { return diskSum(6) / SECTORS_PER_KIB; });
 }
 
 void addTemperatures(CardObjects& objects)
 {
     std::uint32_t index = 0;
     for (const TemperatureSensor& sensor : temperatureSensors()) {
-        add(objects, oids::TEMPERATURE + index, OID_TYPE_INT32, [file = sensor.file] { return temperatureOf(file); });
-        addConstant(objects, oids::TEMPERATURE_LABEL + index, OID_TYPE_STRING, sensor.label);
+        objects[oids::TEMPERATURE + index] =
+            readOnly(OID_TYPE_INT32, [file = sensor.file] { return temperatureOf(file); });
+        objects[oids::TEMPERATURE_LABEL + index] = constant(OID_TYPE_STRING, sensor.label);
         ++index;
     }
 }
@@ -286,8 +283,8 @@ void addTemperatures(CardObjects& objects)
 
 void addHostObjects(CardObjects& objects)
 {
-    add(objects, oids::HOST_NAME, OID_TYPE_STRING, [] { return firstLineOf("/proc/sys/kernel/hostname"); });
-    add(objects, oids::HOST_UPTIME, OID_TYPE_UINT32, [] {
+    objects[oids::HOST_NAME] = readOnly(OID_TYPE_STRING, [] { return firstLineOf("/proc/sys/kernel/hostname"); });
+    objects[oids::HOST_UPTIME] = readOnly(OID_TYPE_UINT32, [] {
         double seconds = 0;
         std::istringstream(firstLineOf("/proc/uptime")) >> seconds;
         return static_cast<unsigned int>(seconds);
@@ -298,3 +295,5 @@ void addHostObjects(CardObjects& objects)
     addDisks(objects);
     addTemperatures(objects);
 }
+
+}  // namespace brantel

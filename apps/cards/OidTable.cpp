@@ -4,6 +4,12 @@
 #include <iomanip>
 #include <sstream>
 
+#include "common/CommandLine.h"
+#include "common/NearestWord.h"
+#include "common/Numbers.h"
+#include "common/PrintableText.h"
+
+namespace brantel {
 namespace {
 
 constexpr bool READ_ONLY = false;
@@ -78,14 +84,6 @@ std::vector<OidEntry> makeTable()
     return table;
 }
 
-template <typename Predicate>
-const OidEntry* findEntry(Predicate isWanted)
-{
-    const std::vector<OidEntry>& table = oidTable();
-    const auto entry = std::find_if(table.begin(), table.end(), isWanted);
-    return (entry == table.end()) ? nullptr : &*entry;
-}
-
 }  // namespace
 
 const std::vector<OidEntry>& oidTable()
@@ -96,23 +94,67 @@ const std::vector<OidEntry>& oidTable()
 
 const OidEntry* findOid(std::uint32_t oid)
 {
-    return findEntry([oid](const OidEntry& entry) { return entry.oid == oid; });
+    const std::vector<OidEntry>& table = oidTable();
+    const auto entry = std::lower_bound(table.begin(), table.end(), oid,
+                                        [](const OidEntry& each, std::uint32_t wanted) { return each.oid < wanted; });
+    return ((entry == table.end()) || (entry->oid != oid)) ? nullptr : &*entry;
 }
 
 const OidEntry* findOid(const std::string& name)
 {
-    return findEntry([&name](const OidEntry& entry) { return entry.name == name; });
+    const std::vector<OidEntry>& table = oidTable();
+    const auto entry =
+        std::find_if(table.begin(), table.end(), [&name](const OidEntry& each) { return each.name == name; });
+    return (entry == table.end()) ? nullptr : &*entry;
 }
 
-std::string nameOfOid(std::uint32_t oid)
+std::optional<std::uint32_t> parseOid(const std::string& text)
+{
+    if (const std::optional<std::uint32_t> number = parseInteger<std::uint32_t>(text)) {
+        return number;
+    }
+    const OidEntry* const pEntry = findOid(text);
+    return (pEntry == nullptr) ? std::nullopt : std::optional(pEntry->oid);
+}
+
+std::uint32_t requireOid(const std::string& text)
+{
+    const std::optional<std::uint32_t> oid = parseOid(text);
+    if (!oid) {
+        Words names;
+        for (const OidEntry& entry : oidTable()) {
+            names.push_back(entry.name);
+        }
+        const std::string meant = suggestion(text, names);
+        throw CommandError("unknown object " + inQuotes(text) +
+                           (meant.empty() ? "; expected a number or a name of 'brantel card objects'" : meant));
+    }
+    return *oid;
+}
+
+ObjectIdContainer requireOids(const std::vector<std::string>& texts)
+{
+    ObjectIdContainer oids;
+    for (const std::string& text : texts) {
+        const std::uint32_t oid = requireOid(text);
+        if (std::find(oids.begin(), oids.end(), oid) == oids.end()) {
+            oids.push_back(oid);
+        }
+    }
+    return oids;
+}
+
+std::string objectName(std::uint32_t oid)
 {
     const OidEntry* const pEntry = findOid(oid);
-    return (pEntry == nullptr) ? numberOfOid(oid) : pEntry->name;
+    return (pEntry == nullptr) ? oidText(oid) : pEntry->name;
 }
 
-std::string numberOfOid(std::uint32_t oid)
+std::string oidText(std::uint32_t oid)
 {
     std::ostringstream text;
     text << "0x" << std::hex << std::uppercase << std::setw(8) << std::setfill('0') << oid;
     return text.str();
 }
+
+}  // namespace brantel

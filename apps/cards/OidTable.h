@@ -11,6 +11,8 @@
 
 #include "IfcCardStatusAndControl.h"
 
+namespace brantel {
+
 namespace oids {
 
 // Every card
@@ -81,7 +83,7 @@ constexpr std::uint32_t MAX_SIGNALS = 64;  ///< columns of a recording, signals 
 struct OidEntry {
     std::uint32_t oid;
     std::string name;
-    std::optional<OidValueType> type;  ///< none: the card's source decides
+    std::optional<OidValueType> type;  ///< none: depends on the card's source
     bool isWritable;
     std::string meaning;
 };
@@ -93,10 +95,22 @@ const std::vector<OidEntry>& oidTable();
 const OidEntry* findOid(std::uint32_t oid);
 const OidEntry* findOid(const std::string& name);
 
-/// The name in the table; the number for an object that it does not have.
-std::string nameOfOid(std::uint32_t oid);
+/// The OID that is written as a number, decimal or hexadecimal with 0x, or as the name of an object; nothing for any
+/// other text.
+std::optional<std::uint32_t> parseOid(const std::string& text);
+
+/// The same from the command line. Throws CommandError.
+std::uint32_t requireOid(const std::string& text);
+
+/// Each OID once, in the order of `texts`. Throws CommandError.
+ObjectIdContainer requireOids(const std::vector<std::string>& texts);
+
+/// The name in the table; oidText() for an object that it does not have.
+std::string objectName(std::uint32_t oid);
 
 /// Eight digits, with 0x.
-std::string numberOfOid(std::uint32_t oid);
+std::string oidText(std::uint32_t oid);
+
+}  // namespace brantel
 
 #endif

@@ -1,34 +1,38 @@
 #include "cards/ReadPlan.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <optional>
 
 #include "cards/OidTable.h"
 #include "message/OBresult.h"
 
+namespace brantel {
 namespace {
 
-constexpr std::size_t COUNT_SIZE = 4;
-constexpr std::size_t VALUE_HEADER_SIZE = 4 + 4 + 1;  // length, OID, type code
-constexpr std::size_t LARGEST_NUMBER_SIZE = 4 + 6;    // a MAC address: length, bytes
-constexpr std::size_t LIKELY_TEXT_SIZE = 4 + 64;
-
-constexpr std::uint32_t LAST_CARD_RESULT = 0x00FFFFFF;
+constexpr std::size_t LARGEST_NUMBER_SIZE = tlv::LENGTH_SIZE + tlv::MAC_SIZE;
+constexpr std::size_t LIKELY_TEXT_SIZE = tlv::LENGTH_SIZE + 64;
 
 std::size_t likelyAnswerSize(std::uint32_t oid)
 {
     const OidEntry* const pEntry = findOid(oid);
     const bool isText = (pEntry != nullptr) && ((pEntry->type == OID_TYPE_STRING) || (pEntry->type == OID_TYPE_BUFFER));
-    return VALUE_HEADER_SIZE + (isText ? LIKELY_TEXT_SIZE : LARGEST_NUMBER_SIZE);
+    return tlv::LENGTH_SIZE + tlv::POS_VALUE + (isText ? LIKELY_TEXT_SIZE : LARGEST_NUMBER_SIZE);
 }
 
-// Whether fewer objects in one request may fare better.
+// Whether a smaller request may succeed.
 bool isWorthHalving(const ObjectIdContainer& request, std::int32_t result)
 {
-    const bool isCardResult = static_cast<std::uint32_t>(result) <= LAST_CARD_RESULT;
-    return (request.size() > 1) && (isCardResult || (result == obResult::MESSAGE_TOO_LARGE));
+    return (request.size() > 1) && (isRefusalByCard(result) || (result == obResult::MESSAGE_TOO_LARGE));
 }
 
 }  // namespace
+
+bool isUnanswered(const Reading& reading)
+{
+    return std::any_of(reading.failures.begin(), reading.failures.end(),
+                       [](const auto& failure) { return failure.second == NO_ANSWER; });
+}
 
 ReadPlan::ReadPlan(std::uint32_t slot, const ObjectIdContainer& oids) : m_slot(slot)
 {
@@ -37,7 +41,7 @@ ReadPlan::ReadPlan(std::uint32_t slot, const ObjectIdContainer& oids) : m_slot(s
         answerSize += likelyAnswerSize(oid);
         if (m_requests.empty() || (answerSize > buffer_t::CAPACITY)) {
             m_requests.emplace_back();
-            answerSize = COUNT_SIZE + likelyAnswerSize(oid);
+            answerSize = tlv::COUNT_SIZE + likelyAnswerSize(oid);
         }
         m_requests.back().push_back(oid);
     }
@@ -50,7 +54,7 @@ void ReadPlan::takeAnswer(std::int32_t result, const buffer_t& tlvs)
         return;
     }
     const ObjectIdContainer request = takeRequest();
-    if (result == 0) {
+    if (result == icsc::RESULT_OK) {
         takeValues(request, tlvs);
     } else if (isWorthHalving(request, result)) {
         putHalvesBack(request);
@@ -59,9 +63,9 @@ void ReadPlan::takeAnswer(std::int32_t result, const buffer_t& tlvs)
     }
 }
 
-void ReadPlan::takeNoAnswer()
+void ReadPlan::takeNoAnswer(CallOutcome outcome)
 {
-    failAll(NO_ANSWER);
+    failAll(outcome);
 }
 
 ObjectIdContainer ReadPlan::takeRequest()
@@ -71,14 +75,40 @@ ObjectIdContainer ReadPlan::takeRequest()
     return request;
 }
 
-void ReadPlan::takeValues(const ObjectIdContainer& request, const buffer_t& tlvs)
+void ReadPlan::takeValues(ObjectIdContainer request, const buffer_t& tlvs)
 {
+    const std::optional<std::vector<TlvElement>> elements = elementsIn(tlvs);
+    const bool isComplete = elements && (elements->size() == request.size());
+    const buffer_t stream = isComplete ? takeOutMalformedValues(*elements, request) : tlvs;
     OidTypeValueMap values;
-    if (convertTlvsToOidTypeValueMap(m_slot, tlvs, values, &request)) {
+    if (convertTlvsToOidTypeValueMap(m_slot, stream, values, &request) && isComplete) {
         m_reading.values.merge(values);
     } else {
-        fail(request, UNSOUND_ANSWER);
+        fail(request, MALFORMED_ANSWER);
     }
+}
+
+// Makes their objects fail, takes these out of the request and returns the stream of the other values.
+buffer_t ReadPlan::takeOutMalformedValues(const std::vector<TlvElement>& elements, ObjectIdContainer& request)
+{
+    std::vector<TlvElement> others;
+    for (const TlvElement& element : elements) {
+        const auto asked = isWellFormedValue(element)
+                               ? request.end()
+                               : std::find(request.begin(), request.end(), oidOfElement(element));
+        if (asked == request.end()) {
+            others.push_back(element);
+        } else {
+            fail({*asked}, MALFORMED_VALUE);
+            request.erase(asked);
+        }
+    }
+    buffer_t stream;
+    stream << static_cast<std::uint32_t>(others.size());
+    for (const TlvElement& element : others) {
+        stream << buffer_t(element.bytes, element.length);
+    }
+    return stream;
 }
 
 void ReadPlan::putHalvesBack(const ObjectIdContainer& request)
@@ -101,3 +131,5 @@ void ReadPlan::failAll(CallOutcome outcome)
         fail(takeRequest(), outcome);
     }
 }
+
+}  // namespace brantel

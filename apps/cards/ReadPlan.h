@@ -3,52 +3,60 @@
 
 // Reading many objects with requests and answers of 2048 bytes: as few requests as the bytes of their answers allow, as
 // far as these are known; a request is smaller than its answer. A card refuses a request as a whole; one that it
-// refuses for an answer too large, or for an object, is halved until what fails stands alone.
+// refuses for an answer too large, or for an object, is halved until what fails is alone.
 //
 //     ReadPlan plan(slot, oids);
 //     while (!plan.isDone()) {
-//         ...                              // ask for plan.request()
+//         ...                              // request plan.request()
 //         plan.takeAnswer(result, tlvs);   // or plan.takeNoAnswer()
 //     }
 
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <vector>
 
 #include "IfcCardStatusAndControl.h"
 #include "cards/ResultText.h"
+#include "cards/Tlv.h"
 
-/// What became of the objects that were asked for: each is in one of the two.
+namespace brantel {
+
+/// Results for the requested objects: each is in one of the two.
 struct Reading {
     OidTypeValueMap values;
     std::map<std::uint32_t, CallOutcome> failures;
 };
+
+/// Whether a call failed without an answer.
+bool isUnanswered(const Reading& reading);
 
 class ReadPlan {
 public:
     /// `oids` must not hold an OID twice.
     ReadPlan(std::uint32_t slot, const ObjectIdContainer& oids);
 
-    /// Adds an object, which the plan does not have, as a request of its own: one that the card may refuse.
+    /// Adds an object, which the plan does not have, as a separate request: one that the card may refuse.
     void addApart(std::uint32_t oid) { m_requests.push_back({oid}); }
 
     bool isDone() const { return m_requests.empty(); }
 
-    /// What to ask for next; not if all is done.
+    /// What to request next; not if all is done.
     const ObjectIdContainer& request() const { return m_requests.front(); }
 
-    /// The answer to request(). After the result TIMEOUT nothing more is to be asked.
+    /// The answer to request(). After the result TIMEOUT nothing more is requested.
     void takeAnswer(std::int32_t result, const buffer_t& tlvs);
 
-    /// The call failed: nothing more is to be asked.
-    void takeNoAnswer();
+    /// The call failed, or was not made: nothing more is requested.
+    void takeNoAnswer(CallOutcome outcome = NO_ANSWER);
 
     /// Complete when all is done.
     const Reading& reading() const { return m_reading; }
 
 private:
     ObjectIdContainer takeRequest();
-    void takeValues(const ObjectIdContainer& request, const buffer_t& tlvs);
+    void takeValues(ObjectIdContainer request, const buffer_t& tlvs);
+    buffer_t takeOutMalformedValues(const std::vector<TlvElement>& elements, ObjectIdContainer& request);
     void putHalvesBack(const ObjectIdContainer& request);
     void fail(const ObjectIdContainer& request, CallOutcome outcome);
     void failAll(CallOutcome outcome);
@@ -57,5 +65,7 @@ private:
     std::deque<ObjectIdContainer> m_requests;
     Reading m_reading;
 };
+
+}  // namespace brantel
 
 #endif

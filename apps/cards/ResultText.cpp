@@ -3,67 +3,85 @@
 #include <iterator>
 #include <sstream>
 
+namespace brantel {
 namespace {
 
-constexpr ResultText GENERAL_RESULTS[] = {
-    {"SUCCESS", "done"},
-    {"GENERAL_ERROR", "the service does not know this interface, version or operation"},
-    {"TIMEOUT", "the card did not answer in time"},
-    {"INVALID_RESPONSE", "what was sent could not be understood"},
-    {"INTERNAL_ERROR", "the service failed to handle the request"},
-    {"SENDING_MSG_TO_IFC_CARD_FAILED", "the service could not reach its card"},
-    {"INVALID_NR_OF_TLVS", "the request does not hold as many elements as it says"},
-    {"MESSAGE_TOO_LARGE", "request or answer do not fit into 2048 bytes"},
-    {"MESSAGE_TOO_SHORT", "the request is cut off"},
+// Indexed like icsc::GENERAL_RESULT_NAMES.
+constexpr const char* GENERAL_MEANINGS[] = {
+    "done",
+    "the service does not know this interface, version or operation",
+    "the card did not answer in time",
+    "the message could not be understood",
+    "the service failed to handle the request",
+    "the service could not reach its card",
+    "the request does not hold as many elements as it says",
+    "request or answer do not fit into 2048 bytes",
+    "the request is cut off",
 };
 
-constexpr ResultText CARD_RESULTS[] = {
-    {"RESULT OK", "done"},
-    {"RESULT PROTOCOL VERSION_MISMATCH", "service and card speak different versions"},
-    {"RESULT DUPLICATE MSG", "the card had this message before"},
-    {"RESULT LOST MSG", "the card missed a message before this one"},
-    {"RESULT INVALID ACTION", "the card does not know the action"},
-    {"RESULT GENERAL ERROR", "the card failed"},
-    {"RESULT WRONG TYPE", "the object has another type"},
-    {"RESULT WRONG OID", "the card has no such object"},
-    {"RESULT WRONG LEN", "the value is longer or shorter than its type"},
-    {"RESULT WRONG VALUE", "the object does not take this value"},
-    {"RESULT READ ONLY", "the object cannot be written"},
-    {"RESULT TOO LONG", "the value is longer than the object takes"},
-    {"RESULT CANNOT EXEC", "the card cannot do this now"},
-    {"RESULT WRONG MAGIC", "the card did not recognise the message"},
-    {"RESULT NOT RECEIVED", "the card did not receive the message"},
-    {"RESULT NOT SEND", "the card could not send its answer"},
+// Indexed like icsc::CARD_RESULT_NAMES.
+constexpr const char* CARD_MEANINGS[] = {
+    "done",
+    "service and card speak different versions",
+    "the card had this message before",
+    "the card missed a message before this one",
+    "the card does not know the action",
+    "the card failed",
+    "the object has another type",
+    "the card has no such object",
+    "the value is longer or shorter than its type",
+    "the object does not take this value",
+    "the object cannot be written",
+    "the value is longer than the object takes",
+    "the card cannot do this now",
+    "the card did not recognise the message",
+    "the card did not receive the message",
+    "the card could not send its answer",
 };
+
+const char* meaningOf(std::int32_t code)
+{
+    const std::uint32_t general = icsc::generalResult(code);
+    const std::uint32_t card = icsc::cardResult(code);
+    if ((general == 0) && (card < std::size(CARD_MEANINGS))) {
+        return CARD_MEANINGS[card];
+    }
+    if ((general != 0) && (general < std::size(GENERAL_MEANINGS))) {
+        return GENERAL_MEANINGS[general];
+    }
+    return "a result code without a meaning";
+}
 
 }  // namespace
 
-ResultText resultTextOf(CallOutcome outcome)
+ResultWords resultWords(CallOutcome outcome)
 {
     if (outcome == NO_ANSWER) {
-        return {"no answer", "nobody serves the slot, or nothing came back in time"};
+        return {"no answer", "no card is serving the slot, or nothing came back in time"};
     }
-    if (outcome == UNSOUND_ANSWER) {
-        return {"unsound answer", "the card sent something else than the values that were asked for"};
+    if (outcome == NOT_SERVED) {
+        return {"no answer", "no card is serving the slot"};
     }
-    const std::uint32_t generalResult = static_cast<std::uint32_t>(outcome) >> 24U;
-    const std::uint32_t cardResult = static_cast<std::uint32_t>(outcome) & 0x00FFFFFFU;
-    if ((generalResult == 0) && (cardResult < std::size(CARD_RESULTS))) {
-        return CARD_RESULTS[cardResult];
+    if (outcome == MALFORMED_ANSWER) {
+        return {"malformed answer", "the card sent something other than the requested values"};
     }
-    if ((generalResult != 0) && (generalResult < std::size(GENERAL_RESULTS))) {
-        return GENERAL_RESULTS[generalResult];
+    if (outcome == MALFORMED_VALUE) {
+        return {"malformed value", "the value does not have the type of the object, or the length of its type"};
     }
-    return {"unknown", "a result code without a meaning"};
+    const auto code = static_cast<std::int32_t>(outcome);
+    const char* const name = icsc::resultName(code);
+    return {(name == nullptr) ? "unknown" : name, meaningOf(code)};
 }
 
-std::string describeResult(CallOutcome outcome)
+std::string resultText(CallOutcome outcome)
 {
-    const ResultText text = resultTextOf(outcome);
+    const ResultWords words = resultWords(outcome);
     std::ostringstream line;
     if (isResultCode(outcome)) {
         line << std::dec << outcome << "=0x" << std::hex << static_cast<std::uint32_t>(outcome) << '=';
     }
-    line << text.name << ": " << text.meaning;
+    line << words.name << ": " << words.meaning;
     return line.str();
 }
+
+}  // namespace brantel

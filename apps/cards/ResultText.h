@@ -4,25 +4,38 @@
 #include <cstdint>
 #include <string>
 
-/// What came of a call: a result code, which may be any of 32 bits, or one of the two below.
+#include "Icsc.h"
+
+namespace brantel {
+
+/// The outcome of a call: a result code, which may be any of 32 bits, or one of those below.
 using CallOutcome = std::int64_t;
-constexpr CallOutcome NO_ANSWER = CallOutcome{1} << 32;       ///< the call failed
-constexpr CallOutcome UNSOUND_ANSWER = CallOutcome{2} << 32;  ///< no stream of the values that were asked for
+constexpr CallOutcome NO_ANSWER = CallOutcome{1} << 32;         ///< the call failed
+constexpr CallOutcome NOT_SERVED = CallOutcome{4} << 32;        ///< no call was made: certainly, no card is there
+constexpr CallOutcome MALFORMED_ANSWER = CallOutcome{2} << 32;  ///< not a stream of the requested values
+constexpr CallOutcome MALFORMED_VALUE = CallOutcome{3} << 32;   ///< not of its type's length, or not the object's type
 
 constexpr bool isResultCode(CallOutcome outcome)
 {
-    return (outcome != NO_ANSWER) && (outcome != UNSOUND_ANSWER);
+    return outcome < NO_ANSWER;
 }
 
-struct ResultText {
+/// Whether the card itself refused.
+constexpr bool isRefusalByCard(CallOutcome outcome)
+{
+    return (outcome > 0) && isResultCode(outcome) && (icsc::generalResult(static_cast<std::int32_t>(outcome)) == 0);
+}
+
+struct ResultWords {
     const char* name;
     const char* meaning;
 };
 
-/// What the outcome is called and means.
-ResultText resultTextOf(CallOutcome outcome);
+ResultWords resultWords(CallOutcome outcome);
 
 /// All in one line, as in "7=0x7=RESULT WRONG OID: the card has no such object".
-std::string describeResult(CallOutcome outcome);
+std::string resultText(CallOutcome outcome);
+
+}  // namespace brantel
 
 #endif

@@ -12,25 +12,27 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "IfcCardStatusAndControl.h"
 
+namespace brantel {
+
 /// "uint64", ..., "mac".
-std::string nameOfType(OidValueType type);
+std::string typeText(OidValueType type);
 
-/// All of them, separated by blanks.
-std::string namesOfTypes();
+/// All of them.
+std::vector<std::string> typeTexts();
 
-/// Nothing for any other text.
-std::optional<OidValueType> typeOfName(const std::string& name);
+/// Nothing for any other name.
+std::optional<OidValueType> parseType(const std::string& name);
 
-/// Nothing if `text` is no value of this type.
-std::optional<boost::any> valueOfText(OidValueType type, const std::string& text);
+/// Nothing if `text` is not a value of this type.
+std::optional<boost::any> parseValue(OidValueType type, const std::string& text);
 
 /// `value` holds what `type` names.
-std::string textOfValue(OidValueType type, const boost::any& value);
+std::string valueText(OidValueType type, const boost::any& value);
 
-/// A number from 0 to 4294967295, decimal or hexadecimal with 0x.
-std::optional<std::uint32_t> numberOfText(const std::string& text);
+}  // namespace brantel
 
 #endif

@@ -7,10 +7,14 @@
 
 #include "IfcCardStatusAndControl.h"
 
+namespace brantel {
+
 /// Whether the value fits into a request at all.
 bool fitsIntoRequest(const OidTypeValue& value);
 
 /// The requests to write these values, in order, as few as possible. Each value must fit.
 std::vector<OidTypeValueContainer> writeRequests(const OidTypeValueContainer& values);
+
+}  // namespace brantel
 
 #endif

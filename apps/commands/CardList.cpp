@@ -3,17 +3,22 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <set>
 #include <vector>
 
-#include "cards/CardClient.h"
+#include "cards/AsyncReader.h"
 #include "cards/OidTable.h"
-#include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
 #include "cards/ValueText.h"
+#include "commands/CardJson.h"
+#include "common/JsonLine.h"
+#include "common/Message.h"
 #include "common/ResultOutput.h"
 #include "common/TextTable.h"
 #include "icsc/OBappsToICSC_1_0_P.h"
-#include "icsc/OBappsToICSC_1_0_PR.h"
+#include "message/OBcomponent.h"
+
+namespace brantel {
 
 using Json = nlohmann::ordered_json;
 
@@ -21,60 +26,61 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::uint32_t N_SLOTS = 10;
 constexpr std::chrono::seconds TIME_TO_CONNECT{1};
 constexpr int TIMEOUT = 1;
 constexpr int REPLY_WAIT_TIME = 2;
 
-const ObjectIdContainer& describingOids()
+const ObjectIdContainer& identityOids()
 {
     static const ObjectIdContainer describing = {oids::CARD_NAME, oids::CARD_SOURCE, oids::CARD_UPTIME};
     return describing;
 }
 
 // Asks one slot what is in it. All slots are asked at the same time: empty ones cost no more than one wait.
-class SlotInquiry : private OBappsToICSC_1_0_PR {
+class SlotInquiry {
 public:
     SlotInquiry(OBcomponent& component, std::uint32_t slot) : m_slot(slot), m_proxy(component)
     {
         m_proxy.setReplyWaitTime(REPLY_WAIT_TIME);
-        const std::string name = "ICSCClient" + std::to_string(slot) + ".ReadWriteAsync";
-        m_proxy.subscribe_asynchronous(name.c_str(), this);
+        m_proxy.subscribe_asynchronous(icsc::serviceName(slot, icsc::Interface::ASYNC).c_str(), &m_reader);
     }
 
     std::uint32_t slot() const { return m_slot; }
     bool isServed() const { return m_isServed; }
-    bool isAnswered() const { return m_isAnswered; }
-    CallOutcome outcome() const { return m_outcome; }
-    const OidTypeValueMap& values() const { return m_values; }
+    bool isAnswered() const { return m_reader.isDone(); }
+    std::string obstacle() const { return m_proxy.obstacle(); }
+    const OidTypeValueMap& values() const { return m_reader.reading().values; }
+
+    /// 0 if all was read.
+    CallOutcome outcome() const
+    {
+        if (!isAnswered()) {
+            return NO_ANSWER;
+        }
+        const auto& failures = m_reader.reading().failures;
+        return failures.empty() ? 0 : failures.begin()->second;
+    }
 
     void askOnceConnected()
     {
-        if (m_isServed || !m_proxy.isConnected()) {
-            return;
+        if (!m_isServed && m_proxy.isConnected()) {
+            m_isServed = true;
+            m_reader.start(ReadPlan(m_slot, identityOids()));
         }
-        buffer_t tlvs;
-        int result = 0;
-        convertObjectIdContainerToTlvs(describingOids(), tlvs);
-        m_isServed = true;
-        m_isAnswered = m_proxy.ICSCRead(TIMEOUT, tlvs, result) != 0;
     }
 
 private:
-    void ICSCReadReply(const OBmessage&, const buffer_t& tlvs, int result) override
+    bool send(const ObjectIdContainer& request)
     {
-        m_isAnswered = true;
-        m_outcome = result;
-        if ((result == 0) && !convertTlvsToOidTypeValueMap(m_slot, tlvs, m_values, &describingOids())) {
-            m_outcome = UNSOUND_ANSWER;
-        }
+        buffer_t tlvs;
+        int result = 0;
+        convertObjectIdContainerToTlvs(request, tlvs);
+        return m_proxy.ICSCRead(TIMEOUT, tlvs, result) == 0;
     }
 
     const std::uint32_t m_slot;
     bool m_isServed = false;
-    bool m_isAnswered = false;
-    CallOutcome m_outcome = NO_ANSWER;
-    OidTypeValueMap m_values;
+    AsyncReader m_reader{[this](const ObjectIdContainer& request) { return send(request); }};
     OBappsToICSC_1_0_P m_proxy;
 };
 
@@ -103,14 +109,14 @@ void inquire(OBcomponent& component, const Inquiries& inquiries)
 std::string textOf(const SlotInquiry& inquiry, std::uint32_t oid)
 {
     const TypeValueRecord& record = inquiry.values().at(oid);
-    return textOfValue(record.type, record.value);
+    return valueText(record.type, record.value);
 }
 
 void addRow(TextTable& table, const SlotInquiry& inquiry)
 {
     const std::string slot = std::to_string(inquiry.slot());
     if (inquiry.outcome() != 0) {
-        table.addRow({slot, "-", "-", "failed: " + describeResult(inquiry.outcome())}, Colour::RED);
+        table.addRow({slot, "-", "-", "failed: " + resultText(inquiry.outcome())}, Colour::RED);
     } else {
         table.addRow({slot, textOf(inquiry, oids::CARD_UPTIME) + " s", textOf(inquiry, oids::CARD_NAME),
                       textOf(inquiry, oids::CARD_SOURCE)});
@@ -121,24 +127,37 @@ Json jsonOf(const SlotInquiry& inquiry)
 {
     Json json = {{"slot", inquiry.slot()}};
     if (inquiry.outcome() != 0) {
-        json["failure"] = jsonOfResult(inquiry.outcome());
+        json.update(failureJson(inquiry.outcome()));
     }
     for (const auto& [oid, record] : inquiry.values()) {
-        json[nameOfOid(oid)] = jsonOfValue(record);
+        json[objectName(oid)] = valueJson(record);
     }
     return json;
 }
 
-void tellJson(const Inquiries& inquiries, ResultOutput& output)
+// Why slots are not reached that may be served: each reason once.
+void printObstacles(const Inquiries& inquiries)
+{
+    std::set<std::string> obstacles;
+    for (const auto& pInquiry : inquiries) {
+        obstacles.insert(pInquiry->obstacle());
+    }
+    obstacles.erase("");
+    for (const std::string& obstacle : obstacles) {
+        printMessage(obstacle);
+    }
+}
+
+void printJson(const Inquiries& inquiries, ResultOutput& output)
 {
     for (const auto& pInquiry : inquiries) {
         if (pInquiry->isServed()) {
-            output.writeLine(lineOfJson(jsonOf(*pInquiry)));
+            output.writeLine(jsonLine(jsonOf(*pInquiry)));
         }
     }
 }
 
-void tellTable(const Inquiries& inquiries, ResultOutput& output)
+void printTable(const Inquiries& inquiries, ResultOutput& output)
 {
     TextTable table({{"Slot", Alignment::RIGHT},
                      {"Uptime", Alignment::RIGHT},
@@ -157,8 +176,9 @@ void tellTable(const Inquiries& inquiries, ResultOutput& output)
 ExitCode listCards(bool isJson)
 {
     OBcomponent component("brantel");
+    OBcomponent::requireRoomFor(icsc::N_SLOTS);
     Inquiries inquiries;
-    for (std::uint32_t slot = 0; slot < N_SLOTS; ++slot) {
+    for (std::uint32_t slot = 0; slot < icsc::N_SLOTS; ++slot) {
         inquiries.push_back(std::make_unique<SlotInquiry>(component, slot));
     }
     inquire(component, inquiries);
@@ -167,13 +187,14 @@ ExitCode listCards(bool isJson)
     const bool isAnyServed = std::any_of(inquiries.begin(), inquiries.end(), isServed);
     ResultOutput output;
     if (isJson) {
-        tellJson(inquiries, output);
+        printJson(inquiries, output);
     } else if (isAnyServed) {
-        tellTable(inquiries, output);
+        printTable(inquiries, output);
     } else {
         output.writeLine("no slot is served");
     }
     output.finish();
+    printObstacles(inquiries);
     return isAnyServed ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
 }
 
@@ -186,16 +207,16 @@ ExitCode listObjects(bool isJson)
                      {"Access", Alignment::LEFT},
                      {"Meaning", Alignment::LEFT}});
     for (const OidEntry& entry : oidTable()) {
-        const std::string type = entry.type ? nameOfType(*entry.type) : "any";
+        const std::string type = entry.type ? typeText(*entry.type) : "any";
         if (isJson) {
-            output.writeLine(lineOfJson({{"oid", entry.oid},
-                                         {"name", entry.name},
-                                         {"type", type},
-                                         {"writable", entry.isWritable},
-                                         {"meaning", entry.meaning}}));
+            output.writeLine(jsonLine({{"oid", entry.oid},
+                                       {"object", entry.name},
+                                       {"type", type},
+                                       {"writable", entry.isWritable},
+                                       {"meaning", entry.meaning}}));
         } else {
             const std::string access = entry.isWritable ? "writable" : "read only";
-            table.addRow({numberOfOid(entry.oid), entry.name, type, access, entry.meaning});
+            table.addRow({oidText(entry.oid), entry.name, type, access, entry.meaning});
         }
     }
     if (!isJson) {
@@ -204,3 +225,5 @@ ExitCode listObjects(bool isJson)
     output.finish();
     return EXIT_FINE;
 }
+
+}  // namespace brantel

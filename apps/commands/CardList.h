@@ -5,9 +5,13 @@
 
 #include "common/CommandLine.h"
 
+namespace brantel {
+
 /// EXIT_NEGATIVE_ANSWER if no slot is served.
 ExitCode listCards(bool isJson);
 
 ExitCode listObjects(bool isJson);
+
+}  // namespace brantel
 
 #endif

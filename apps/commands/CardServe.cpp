@@ -1,17 +1,23 @@
 #include "commands/CardServe.h"
 
+#include <sys/resource.h>
+
 #include "cards/Card.h"
 #include "cards/CardObjects.h"
 #include "cards/CardServer.h"
-#include "cards/StopOnSignals.h"
+#include "common/NearestWord.h"
+#include "common/PrintableText.h"
 #include "common/ResultOutput.h"
+#include "common/Signals.h"
 
+namespace brantel {
 namespace {
 
-// What follows `prefix` in `text`; nothing if `text` does not start with it.
+// What follows `prefix` in `text`; nothing if `text` does not start with it, or if nothing follows.
 std::optional<std::string> afterPrefix(const std::string& text, const std::string& prefix)
 {
-    return (text.compare(0, prefix.size(), prefix) == 0) ? std::optional(text.substr(prefix.size())) : std::nullopt;
+    const bool isThere = (text.compare(0, prefix.size(), prefix) == 0) && (text.size() > prefix.size());
+    return isThere ? std::optional(text.substr(prefix.size())) : std::nullopt;
 }
 
 std::optional<std::string> csvFileOf(const CardServeOptions& options)
@@ -29,9 +35,20 @@ CardObjects objectsOfSource(const CardServeOptions& options)
     } else if (const auto waveFile = afterPrefix(options.source, "wave:")) {
         addWaveObjects(objects, *waveFile);
     } else {
-        throw CommandError("'" + options.source + "' is none of the sources host, csv:FILE and wave:FILE");
+        throw CommandError("unknown source " + inQuotes(options.source) +
+                           suggestionOrChoices(options.source, {"host", "csv:FILE", "wave:FILE"}));
     }
     return objects;
+}
+
+// Each caller of a card costs it a descriptor.
+void raiseDescriptorLimit()
+{
+    rlimit limit = {};
+    if ((::getrlimit(RLIMIT_NOFILE, &limit) == 0) && (limit.rlim_cur < limit.rlim_max)) {
+        limit.rlim_cur = limit.rlim_max;
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
 }
 
 }  // namespace
@@ -43,21 +60,24 @@ bool isRecording(const CardServeOptions& options)
 
 ExitCode serveCard(const CardServeOptions& options)
 {
-    const std::optional<Faults> faults = faultsOfText(options.faults);
+    const std::optional<Faults> faults = parseFaults(options.faults);
     if (!faults) {
-        throw CommandError("'" + options.faults + "' is no list of faults, which are " + FAULT_NAMES);
+        throw CommandError("--fault: " + reasonAgainstFaults(options.faults));
     }
     Card card(options.slot, options.source, objectsOfSource(options));
     card.setFaults(*faults);
 
+    raiseDescriptorLimit();
     OBcomponent component("card " + std::to_string(options.slot));
-    const StopOnSignals stopOnSignals(component);
+    const StopOnSignals stopOnSignals([&] { component.stop(); });
     CardServer server(component, options.slot, card);
     ResultOutput output;
-    for (const std::string& place : server.places()) {
-        output.writeLine("serves " + place);
+    for (const std::string& endpoint : server.endpoints()) {
+        output.writeLine("serves " + printable(endpoint));
     }
     output.finish();
     server.run();
     return EXIT_FINE;
 }
+
+}  // namespace brantel

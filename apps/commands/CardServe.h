@@ -8,6 +8,8 @@
 
 #include "common/CommandLine.h"
 
+namespace brantel {
+
 struct CardServeOptions {
     std::uint32_t slot = 0;
     std::string source = "host";  ///< "host", "csv:FILE" or "wave:FILE"
@@ -22,5 +24,7 @@ struct CardServeOptions {
 bool isRecording(const CardServeOptions& options);
 
 ExitCode serveCard(const CardServeOptions& options);
+
+}  // namespace brantel
 
 #endif

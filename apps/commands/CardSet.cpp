@@ -2,40 +2,51 @@
 
 #include "cards/CardClient.h"
 #include "cards/OidTable.h"
-#include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
+#include "cards/SlotPresence.h"
 #include "cards/ValueText.h"
 #include "cards/WritePlan.h"
+#include "commands/CardJson.h"
+#include "common/JsonLine.h"
+#include "common/NearestWord.h"
+#include "common/PrintableText.h"
 #include "common/ResultOutput.h"
+#include "common/WaitNotice.h"
+
+namespace brantel {
 
 using Json = nlohmann::ordered_json;
 
 namespace {
 
-// A write that the card warns about is done.
-constexpr std::int32_t DUPLICATE_MESSAGE = 2;
-constexpr std::int32_t LOST_MESSAGE = 3;
+// The card warns about a duplicate or a lost message, and writes.
+bool isWritten(CallOutcome outcome)
+{
+    return (outcome == icsc::RESULT_OK) || (outcome == icsc::RESULT_DUPLICATE_MSG) ||
+           (outcome == icsc::RESULT_LOST_MSG);
+}
 
 OidTypeValue valueOfAssignment(const std::string& assignment)
 {
     const std::size_t posEqual = assignment.find('=');
     const std::size_t posColon = assignment.find(':', posEqual);
     if ((posEqual == std::string::npos) || (posColon == std::string::npos)) {
-        throw CommandError("'" + assignment + "' is not OID=TYPE:VALUE");
+        throw CommandError("invalid assignment " + inQuotes(assignment) + "; expected OID=TYPE:VALUE");
     }
     const std::string typeName = assignment.substr(posEqual + 1, posColon - posEqual - 1);
-    const std::optional<OidValueType> type = typeOfName(typeName);
+    const std::optional<OidValueType> type = parseType(typeName);
     if (!type) {
-        throw CommandError("'" + assignment + "': '" + typeName + "' is none of the types " + namesOfTypes());
+        throw CommandError(inQuotes(assignment) + ": unknown type " + inQuotes(typeName) +
+                           suggestionOrChoices(typeName, typeTexts()));
     }
     const std::string text = assignment.substr(posColon + 1);
-    const std::optional<boost::any> value = valueOfText(*type, text);
+    const std::optional<boost::any> value = parseValue(*type, text);
     if (!value) {
-        throw CommandError("'" + assignment + "': '" + text + "' is no " + typeName);
+        throw CommandError(inQuotes(assignment) + ": " + inQuotes(text) + " is not of type " + typeName);
     }
-    OidTypeValue result = {oidOfArgument(assignment.substr(0, posEqual)), *type, *value};
+    OidTypeValue result = {requireOid(assignment.substr(0, posEqual)), *type, *value};
     if (!fitsIntoRequest(result)) {
-        throw CommandError("the value for " + nameOfOid(result.oid) + " does not fit into a request of 2048 bytes");
+        throw CommandError("the value for " + objectName(result.oid) + " does not fit into a request of 2048 bytes");
     }
     return result;
 }
@@ -44,26 +55,29 @@ std::string namesOf(const OidTypeValueContainer& values)
 {
     std::string names;
     for (const OidTypeValue& value : values) {
-        names += (names.empty() ? "" : " ") + nameOfOid(value.oid);
+        names += (names.empty() ? "" : " ") + objectName(value.oid);
     }
     return names;
 }
 
-void tellJson(std::uint32_t slot, const OidTypeValueContainer& values, CallOutcome outcome, bool isWritten,
-              ResultOutput& output)
+void printJson(std::uint32_t slot, const OidTypeValueContainer& values, CallOutcome outcome, ResultOutput& output)
 {
-    Json json = {{"slot", slot}, {"oids", Json::array()}, {"written", isWritten}, {"result", jsonOfResult(outcome)}};
+    Json json = {{"slot", slot}, {"oids", Json::array()}, {"objects", Json::array()}, {"written", isWritten(outcome)}};
     for (const OidTypeValue& value : values) {
         json["oids"].push_back(value.oid);
+        json["objects"].push_back(objectName(value.oid));
     }
-    output.writeLine(lineOfJson(json));
+    if (outcome != icsc::RESULT_OK) {
+        json.update(failureJson(outcome));
+    }
+    output.writeLine(jsonLine(json));
 }
 
-void tellText(const OidTypeValueContainer& values, CallOutcome outcome, bool isWritten, ResultOutput& output)
+void printText(const OidTypeValueContainer& values, CallOutcome outcome, ResultOutput& output)
 {
     const std::string verdict =
-        isWritten ? output.coloured(Colour::GREEN, "written") : output.coloured(Colour::RED, "failed");
-    const std::string detail = (outcome == 0) ? "" : ": " + describeResult(outcome);
+        isWritten(outcome) ? output.coloured(Colour::GREEN, "written") : output.coloured(Colour::RED, "failed");
+    const std::string detail = (outcome == icsc::RESULT_OK) ? "" : ": " + resultText(outcome);
     output.writeLine(namesOf(values) + ": " + verdict + detail);
 }
 
@@ -76,20 +90,28 @@ ExitCode setObjects(const CardSetOptions& options)
         values.push_back(valueOfAssignment(assignment));
     }
     CardClient client(options.slot);
+    const WaitNotice notice("waiting for the card in slot " + std::to_string(options.slot));
     ResultOutput output;
     bool isAllWritten = true;
+    bool isAnswered = true;
     for (const OidTypeValueContainer& request : writeRequests(values)) {
         const CallOutcome outcome = client.write(request, options.timeout);
-        isAllWritten = (outcome == 0) || (outcome == DUPLICATE_MESSAGE) || (outcome == LOST_MESSAGE);
+        isAllWritten = isWritten(outcome);
         if (options.isJson) {
-            tellJson(options.slot, request, outcome, isAllWritten, output);
+            printJson(options.slot, request, outcome, output);
         } else {
-            tellText(request, outcome, isAllWritten, output);
+            printText(request, outcome, output);
         }
+        isAnswered = outcome != NO_ANSWER;
         if (!isAllWritten) {
             break;
         }
     }
     output.finish();
+    if (!isAnswered) {
+        printObstacleOfSlot(options.slot, icsc::Interface::SYNC);
+    }
     return isAllWritten ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
 }
+
+}  // namespace brantel

@@ -1,13 +1,15 @@
 #ifndef APPS_COMMANDS_CARD_SET_H
 #define APPS_COMMANDS_CARD_SET_H
 
-// "brantel set SLOT OID=TYPE:VALUE...": writes objects, and tells of each request what came of it.
+// "brantel set SLOT OID=TYPE:VALUE...": writes objects, and prints the outcome of each request.
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "common/CommandLine.h"
+
+namespace brantel {
 
 struct CardSetOptions {
     std::uint32_t slot = 0;
@@ -18,5 +20,7 @@ struct CardSetOptions {
 
 /// EXIT_NEGATIVE_ANSWER if a request was refused or not answered; those after it are not sent then.
 ExitCode setObjects(const CardSetOptions& options);
+
+}  // namespace brantel
 
 #endif

@@ -2,18 +2,25 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
-#include <iomanip>
-#include <sstream>
+#include <optional>
+#include <utility>
 
+#include "cards/AsyncReader.h"
 #include "cards/CardClient.h"
 #include "cards/OidTable.h"
-#include "cards/ReadingOutput.h"
 #include "cards/ResultText.h"
-#include "cards/StopOnSignals.h"
+#include "cards/SlotPresence.h"
 #include "cards/ValueText.h"
+#include "commands/CardJson.h"
+#include "common/JsonLine.h"
+#include "common/Message.h"
+#include "common/PrintableText.h"
 #include "common/ResultOutput.h"
-#include "icsc/OBappsToICSC_1_0_PR.h"
+#include "common/Signals.h"
+#include "common/UtcTime.h"
+#include "message/OBresult.h"
+
+namespace brantel {
 
 using Json = nlohmann::ordered_json;
 
@@ -21,95 +28,116 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Local time, as in 2026-11-21T09:01:49.250
-std::string timeNow()
+// Dispatches until `isDone`, the component is stopped or the time has come.
+template <typename Condition>
+void dispatchUntil(OBcomponent& component, Clock::time_point deadline, Condition isDone)
 {
-    timespec now = {};
-    clock_gettime(CLOCK_REALTIME, &now);
-    std::tm local = {};
-    localtime_r(&now.tv_sec, &local);
-    std::ostringstream text;
-    text << std::put_time(&local, "%Y-%m-%dT%H:%M:%S.") << std::setw(3) << std::setfill('0') << now.tv_nsec / 1000000;
-    return text.str();
+    while (!isDone() && !component.isStopping() && (Clock::now() < deadline)) {
+        component.dispatch(std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()));
+    }
 }
 
-// Reads with asynchronous calls, one reading after the other. Requests of a reading go out one after the other, so that
-// an answer belongs to the request that went out last: each request is answered exactly once.
-class AsynchronousReader : private OBappsToICSC_1_0_PR {
+// The slot that is watched, with asynchronous calls, one reading after the other.
+class WatchedSlot {
 public:
-    AsynchronousReader(std::uint32_t slot, const ObjectIdContainer& oids)
-        : m_slot(slot), m_oids(oids), m_plan(slot, oids), m_client(slot, *this)
+    WatchedSlot(std::uint32_t slot, const ObjectIdContainer& oids)
+        : m_slot(slot), m_oids(oids), m_client(slot, m_reader), m_presence(slot, icsc::Interface::ASYNC, component())
     {
     }
 
     OBcomponent& component() { return m_client.component(); }
 
-    void start()
+    /// Nothing if the component is stopped before the reading is complete.
+    std::optional<Reading> read()
     {
-        m_plan = ReadPlan(m_slot, m_oids);
-        askNext();
+        constexpr std::chrono::hours LONG_ENOUGH{1};  // every request is answered or given up much earlier
+        ReadPlan plan(m_slot, m_oids);
+        if (!m_presence.isConnected() && !m_client.mayBeServed(std::exchange(m_patience, {}))) {
+            plan.takeNoAnswer(NOT_SERVED);
+            return plan.reading();
+        }
+        m_reader.start(plan);
+        dispatchUntil(component(), Clock::now() + LONG_ENOUGH, [&] { return m_reader.isDone(); });
+        return m_reader.isDone() ? std::optional(completeReading()) : std::nullopt;
     }
 
-    bool isComplete() const { return m_plan.isDone(); }
-
-    /// Of the last reading that was completed or is under way.
-    const Reading& reading() const { return m_plan.reading(); }
+    /// Why the card is not there, as far as that is known.
+    std::string obstacle() const { return m_presence.obstacle(); }
 
 private:
-    void askNext()
+    // Without a connection the timeout is not the card's.
+    Reading completeReading() const
     {
-        if (!m_plan.isDone() && !m_client.startReading(m_plan.request())) {
-            m_plan.takeNoAnswer();
+        Reading reading = m_reader.reading();
+        for (auto& [oid, outcome] : reading.failures) {
+            if ((outcome == obResult::TIMEOUT) && !m_presence.isConnected()) {
+                outcome = NO_ANSWER;
+            }
         }
-    }
-
-    void ICSCReadReply(const OBmessage&, const buffer_t& tlvs, int result) override
-    {
-        m_plan.takeAnswer(result, tlvs);
-        askNext();
+        return reading;
     }
 
     const std::uint32_t m_slot;
     const ObjectIdContainer& m_oids;
-    ReadPlan m_plan;
+    AsyncReader m_reader{[this](const ObjectIdContainer& request) { return m_client.startReading(request); }};
     CardClient m_client;
+    SlotPresence m_presence;
+    std::chrono::milliseconds m_patience = CardClient::STARTING_TIME;  ///< with the first reading only
+};
+
+// Reports why the card is not there, when the reason changes.
+class Obstacle {
+public:
+    explicit Obstacle(std::uint32_t slot) : m_slot(slot) {}
+
+    void set(const std::string& reason)
+    {
+        if (!reason.empty() && (reason != m_reason)) {
+            printMessage("slot " + std::to_string(m_slot) + ": " + reason);
+        }
+        m_reason = reason;
+    }
+
+private:
+    const std::uint32_t m_slot;
+    std::string m_reason;
 };
 
 class WatchOutput {
 public:
     WatchOutput(const CardWatchOptions& options, const ObjectIdContainer& oids) : m_options(options), m_oids(oids) {}
 
-    void tell(const Reading& reading)
+    void print(const Reading& reading)
     {
-        m_options.isJson ? tellJson(reading) : tellRow(reading);
+        m_options.isJson ? printJson(reading) : printRow(reading);
         m_output.finish();
     }
 
 private:
-    void tellJson(const Reading& reading)
+    void printJson(const Reading& reading)
     {
-        Json json = {{"time", timeNow()}, {"slot", m_options.slot}, {"values", Json::object()}};
+        Json json = {{"time", utcTimeText(utcTimeNow())}, {"slot", m_options.slot}, {"values", Json::object()}};
         for (const std::uint32_t oid : m_oids) {
             const auto value = reading.values.find(oid);
             if (value != reading.values.end()) {
-                json["values"][nameOfOid(oid)] = jsonOfValue(value->second);
+                json["values"][objectName(oid)] = valueJson(value->second);
             } else {
-                json["failures"][nameOfOid(oid)] = jsonOfResult(reading.failures.at(oid));
+                json["failures"][objectName(oid)] = failureJson(reading.failures.at(oid));
             }
         }
-        m_output.writeLine(lineOfJson(json));
+        m_output.writeLine(jsonLine(json));
     }
 
-    void tellRow(const Reading& reading)
+    void printRow(const Reading& reading)
     {
         std::vector<std::string> names = {"Time"};
-        std::vector<std::string> texts = {timeNow()};
+        std::vector<std::string> texts = {utcTimeText(utcTimeNow())};
         for (const std::uint32_t oid : m_oids) {
             const auto value = reading.values.find(oid);
-            names.push_back(nameOfOid(oid));
+            names.push_back(objectName(oid));
             texts.push_back((value != reading.values.end())
-                                ? printable(textOfValue(value->second.type, value->second.value))
-                                : resultTextOf(reading.failures.at(oid)).name);
+                                ? printable(valueText(value->second.type, value->second.value))
+                                : resultWords(reading.failures.at(oid)).name);
         }
         if (m_widths.empty()) {
             m_widths.assign(names.size(), NARROWEST_COLUMN);
@@ -139,41 +167,35 @@ private:
     std::vector<std::size_t> m_widths;
 };
 
-// Dispatches until `isDone`, the component is stopped or the time has come.
-template <typename Condition>
-void dispatchUntil(OBcomponent& component, Clock::time_point deadline, Condition isDone)
-{
-    while (!isDone() && !component.isStopping() && (Clock::now() < deadline)) {
-        component.dispatch(std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()));
-    }
-}
-
 }  // namespace
 
 ExitCode watchObjects(const CardWatchOptions& options)
 {
-    const ObjectIdContainer oids = oidsOfArguments(options.oids);
+    const ObjectIdContainer oids = requireOids(options.oids);
     const auto interval = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(options.interval));
-    constexpr std::chrono::hours LONG_ENOUGH{1};  // every request is answered or given up much earlier
 
-    AsynchronousReader reader(options.slot, oids);
-    const StopOnSignals stopOnSignals(reader.component());
+    WatchedSlot slot(options.slot, oids);
+    const StopOnSignals stopOnSignals([&] { slot.component().stop(); });
     WatchOutput output(options, oids);
+    ExitCode exitCode = EXIT_NEGATIVE_ANSWER;
+    Obstacle obstacle(options.slot);
     Clock::time_point next = Clock::now();
     for (std::uint64_t number = 1;; ++number) {
-        reader.start();
-        dispatchUntil(reader.component(), Clock::now() + LONG_ENOUGH, [&] { return reader.isComplete(); });
-        if (reader.isComplete()) {
-            output.tell(reader.reading());
+        if (const std::optional<Reading> reading = slot.read()) {
+            output.print(*reading);
+            exitCode = reading->failures.empty() ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
+            obstacle.set(slot.obstacle());
         }
         if (number == options.count) {
             break;
         }
         next = std::max(next + interval, Clock::now());
-        dispatchUntil(reader.component(), next, [] { return false; });
-        if (reader.component().isStopping()) {
+        dispatchUntil(slot.component(), next, [] { return false; });
+        if (slot.component().isStopping()) {
             break;
         }
     }
-    return reader.reading().failures.empty() ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
+    return exitCode;
 }
+
+}  // namespace brantel

@@ -1,13 +1,15 @@
 #ifndef APPS_COMMANDS_CARD_WATCH_H
 #define APPS_COMMANDS_CARD_WATCH_H
 
-// "brantel watch SLOT OID...": reads objects again and again, with asynchronous calls, until SIGINT or SIGTERM.
+// "brantel watch SLOT OID...": reads objects repeatedly, with asynchronous calls, until SIGINT or SIGTERM.
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "common/CommandLine.h"
+
+namespace brantel {
 
 struct CardWatchOptions {
     std::uint32_t slot = 0;
@@ -17,7 +19,9 @@ struct CardWatchOptions {
     bool isJson = false;
 };
 
-/// EXIT_NEGATIVE_ANSWER if an object could not be read the last time.
+/// EXIT_NEGATIVE_ANSWER if an object could not be read the last time, or if no reading was completed.
 ExitCode watchObjects(const CardWatchOptions& options);
+
+}  // namespace brantel
 
 #endif

@@ -1,16 +1,17 @@
 #include "commands/DbEdit.h"
 
-#include <iostream>
-
-#include "commands/RuleCheck.h"
+#include "cards/OidTable.h"
+#include "common/Message.h"
+#include "common/PrintableText.h"
 #include "common/ResultOutput.h"
+#include "rules/RuleFaultPicture.h"
 #include "tables/EventDatabase.h"
 
-using namespace eventMgmt;
+namespace brantel {
 
 namespace {
 
-void say(const std::string& text)
+void printLine(const std::string& text)
 {
     ResultOutput output;
     output.writeLine(printable(text));
@@ -28,42 +29,29 @@ std::string enabledText(ChangeResult result, bool isEnabled)
     return (result == ChangeResult::UNCHANGED) ? "events are " + state + " already" : "events " + state;
 }
 
-AllowIgnoreTableId tableOf(EventTableKind list, const ListOptions& options)
+std::vector<ListEntry> entriesOf(const ListOptions& options)
 {
-    const bool isOfCards = options.slot.has_value();
-    if (list == EventTableKind::ALLOW) {
-        return isOfCards ? IFC_CARDS_ALLOW_EVENTS_TABLE_ID : SYS_CARD_ALLOW_EVENTS_TABLE_ID;
+    std::vector<ListEntry> entries;
+    for (const Place& place : options.places) {
+        entries.push_back({place, options.oid, options.rule});
     }
-    return isOfCards ? IFC_CARDS_IGNORE_EVENTS_TABLE_ID : SYS_CARD_IGNORE_EVENTS_TABLE_ID;
+    return entries;
 }
 
-std::string entryText(const ListOptions& options)
+// "slot 3 cpu.busy", "component 7 OID 1234"
+std::string entryText(const ListEntry& entry)
 {
-    const std::string owner =
-        options.slot ? "slot " + std::to_string(*options.slot) : "component " + std::to_string(*options.component);
-    return owner + " OID " + options.oid;
+    const OidEntry* const pObject = findOid(entry.oid);
+    return placeText(entry.place) + " " + ((pObject == nullptr) ? "OID " + std::to_string(entry.oid) : pObject->name);
 }
 
-ListEntry entryOf(const ListOptions& options)
+// An object that is in both lists is ignored.
+void warnOfOtherList(EventDatabase& database, EventTableKind list, const ListEntry& entry)
 {
-    return {options.slot ? *options.slot : *options.component, options.oid, options.rule};
-}
-
-// The table of the other list: what is in both is ignored.
-EventTableKind otherList(EventTableKind list)
-{
-    return (list == EventTableKind::ALLOW) ? EventTableKind::IGNORE : EventTableKind::ALLOW;
-}
-
-void warnOfOtherList(EventDatabase& database, EventTableKind list, const ListOptions& options)
-{
-    const EventTable& other = allowIgnoreTable(tableOf(otherList(list), options));
-    const std::int64_t nEntries =
-        database.table(other).count({{other.columns()[other.ownerColumn()].name(), entryOf(options).owner},
-                                     {EvmDatabase::ALLOW_IGNORE_COLUMN_OID, options.oid}});
-    if (nEntries > 0) {
-        std::cerr << "brantel: " << entryText(options) << " is in " << other.name()
-                  << " too: what is ignored is not allowed\n";
+    const EventTableKind otherList = (list == EventTableKind::ALLOW) ? EventTableKind::IGNORE : EventTableKind::ALLOW;
+    const EventTable& otherTable = tableFor(otherList, entry.place.kind);
+    if (isInList(database, otherList, {entry.place, entry.oid, std::nullopt})) {
+        printMessage(entryText(entry) + " is in " + otherTable.name() + " too: ignored events are never raised");
     }
 }
 
@@ -72,62 +60,93 @@ void warnOfOtherList(EventDatabase& database, EventTableKind list, const ListOpt
 ExitCode initDatabase(const std::string& path)
 {
     EventDatabase::create(path);
-    say(path + ": the event-management database is ready");
+    printLine(path + ": the event-management database is ready");
     return EXIT_FINE;
 }
 
-ExitCode setComponentEnabled(const std::string& path, std::int64_t componentId, bool isEnabled)
+ExitCode setComponentEnabled(const std::string& path, std::uint32_t component, bool isEnabled)
 {
     EventDatabase database = openForWriting(path);
-    const ChangeResult result = enableComponent(database, componentId, isEnabled);
-    say("component " + std::to_string(componentId) + ": " + enabledText(result, isEnabled));
+    const ChangeResult result = enableComponent(database, component, isEnabled);
+    printLine(placeText(componentPlace(component)) + ": " + enabledText(result, isEnabled));
     return EXIT_FINE;
 }
 
-ExitCode setCardEnabled(const std::string& path, std::int64_t slot, std::optional<std::int64_t> cardType,
+ExitCode setCardEnabled(const std::string& path, std::uint32_t slot, std::optional<std::uint32_t> cardType,
                         bool isEnabled)
 {
     EventDatabase database = openForWriting(path);
-    const ChangeResult result = enableCard(database, slot, cardType, isEnabled);
-    const std::string place = "slot " + std::to_string(slot) + ": ";
-    if (result == ChangeResult::NOT_FOUND) {
-        std::cerr << "brantel: " << place << "there is no card yet; say of which type it is with --type\n";
+    const CardChange change = enableCard(database, slot, cardType, isEnabled);
+    const std::string place = placeText(slotPlace(slot)) + ": ";
+    if (change.result == ChangeResult::NOT_FOUND) {
+        printMessage(place + "there is no card yet; specify its type with --type");
         return EXIT_NEGATIVE_ANSWER;
     }
-    say(place + enabledText(result, isEnabled));
+    const auto switched = change.isSwitched ? ChangeResult::CHANGED : ChangeResult::UNCHANGED;
+    printLine(place + enabledText(switched, isEnabled) +
+              (change.oldType ? ", type " + std::to_string(*cardType) + " (was " + *change.oldType + ")" : ""));
     return EXIT_FINE;
 }
 
-ExitCode addListEntry(const std::string& path, EventTableKind list, const ListOptions& options)
+ExitCode addListEntries(const std::string& path, EventTableKind list, const ListOptions& options)
 {
     if (options.rule) {
         if (const std::optional<RuleFault> fault = faultOfStoredRule(*options.rule)) {
-            std::cerr << "brantel: rule:" << columnOf(*options.rule, *fault)
-                      << ": refused: " << printable(fault->reason) << '\n';
-            for (const std::string& line : pictureOf(*options.rule, *fault)) {
-                std::cerr << line << '\n';
-            }
+            printRefusal("rule", *options.rule, *fault);
             return EXIT_NEGATIVE_ANSWER;
         }
     }
     EventDatabase database = openForWriting(path);
-    const AllowIgnoreTableId id = tableOf(list, options);
-    const ChangeResult result = addToList(database, id, entryOf(options));
-    say(entryText(options) + ((result == ChangeResult::UNCHANGED) ? " is there already, in " : " added to ") +
-        allowIgnoreTableId2Name(id));
-    warnOfOtherList(database, list, options);
+    const std::vector<ListEntry> entries = entriesOf(options);
+    const std::vector<ChangeResult> results = addToList(database, list, entries);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        printLine(entryText(entries[i]) + ((results[i] == ChangeResult::UNCHANGED) ? " is already in " : " added to ") +
+                  tableFor(list, entries[i].place.kind).name());
+        warnOfOtherList(database, list, entries[i]);
+    }
     return EXIT_FINE;
 }
 
 ExitCode removeListEntries(const std::string& path, EventTableKind list, const ListOptions& options)
 {
     EventDatabase database = openForWriting(path);
-    const AllowIgnoreTableId id = tableOf(list, options);
-    if (removeFromList(database, id, entryOf(options)) == ChangeResult::NOT_FOUND) {
-        std::cerr << "brantel: " << entryText(options) << " is not in " << allowIgnoreTableId2Name(id)
-                  << (options.rule ? " with this rule\n" : "\n");
+    const std::vector<ListEntry> entries = entriesOf(options);
+    const std::vector<ChangeResult> results = removeFromList(database, list, entries);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const std::string tableName = tableFor(list, entries[i].place.kind).name();
+        if (results[i] == ChangeResult::CHANGED) {
+            printLine(entryText(entries[i]) + " removed from " + tableName);
+        } else if (results[i] == ChangeResult::NOT_FOUND) {
+            printMessage(entryText(entries[i]) + " is not in " + tableName + (options.rule ? " with this rule" : ""));
+        }
+    }
+    if (results.front() == ChangeResult::CHANGED) {
+        return EXIT_FINE;
+    }
+    if (entries.size() > 1) {
+        printMessage("nothing is removed");
+    }
+    return EXIT_NEGATIVE_ANSWER;
+}
+
+ExitCode removePlaceRows(const std::string& path, const Place& place)
+{
+    EventDatabase database = openForWriting(path);
+    const std::int64_t nRemoved = removePlace(database, place);
+    if (nRemoved == 0) {
+        printMessage(placeText(place) + " is in no table");
         return EXIT_NEGATIVE_ANSWER;
     }
-    say(entryText(options) + " removed from " + allowIgnoreTableId2Name(id));
+    printLine(placeText(place) + ": " + counted(static_cast<std::uint64_t>(nRemoved), "row") + " removed");
     return EXIT_FINE;
 }
+
+ExitCode pruneRowChanges(const std::string& path, std::int64_t nKept)
+{
+    EventDatabase database = openForWriting(path);
+    const std::int64_t nRemoved = pruneChanges(database, nKept);
+    printLine(rowChangeTable().name() + ": " + counted(static_cast<std::uint64_t>(nRemoved), "row") + " removed");
+    return EXIT_FINE;
+}
+
+}  // namespace brantel

@@ -1,16 +1,22 @@
 #include "commands/DbShow.h"
 
+#include <functional>
+
 #include <nlohmann/json.hpp>
 
-#include "commands/RuleCheck.h"
+#include "EvmDatabase.h"
+#include "common/JsonLine.h"
+#include "common/PrintableText.h"
 #include "common/ResultOutput.h"
 #include "common/TextTable.h"
+#include "rules/RuleFaultPicture.h"
 #include "tables/DatabaseCheck.h"
 #include "tables/EventDatabase.h"
-#include "tables/RowSink.h"
+#include "tables/RowFiles.h"
+
+namespace brantel {
 
 using Json = nlohmann::ordered_json;
-using namespace eventMgmt;
 
 namespace {
 
@@ -19,25 +25,27 @@ EventDatabase openForReading(const std::string& path)
     return EventDatabase(path, sql::Database::Access::READ);
 }
 
-const EventTable& requireTable(const std::string& name)
+std::vector<std::string> textsOf(const EventTable& eventTable, const sql::Row& row)
 {
-    const EventTable* const pTable = findEventTable(name);
-    if (pTable != nullptr) {
-        return *pTable;
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        texts.push_back(valueText(eventTable.columns()[i], row[i]));
     }
-    std::string names;
-    for (const EventTable& table : eventTables()) {
-        names += "\n  " + table.name();
-    }
-    throw CommandError("there is no table '" + name + "'; the tables are" + names);
+    return texts;
 }
 
+// The rows of each selection, in turn.
 void showRows(ResultOutput& output, EventDatabase& database, const EventTable& eventTable,
-              const sql::ColumnValues& where, bool isJson)
+              const std::vector<sql::ColumnValues>& selections, bool isJson)
 {
     const sql::Table table = database.table(eventTable);
+    const auto forEachRow = [&](const std::function<void(const sql::Row&)>& visit) {
+        for (const sql::ColumnValues& where : selections) {
+            table.forEach(where, visit);
+        }
+    };
     if (isJson) {
-        table.forEach(where, [&](const sql::Row& row) { output.writeLine(jsonRow(eventTable, row)); });
+        forEachRow([&](const sql::Row& row) { output.writeLine(jsonRow(eventTable, row)); });
         return;
     }
     std::vector<TextColumn> titles;
@@ -45,15 +53,29 @@ void showRows(ResultOutput& output, EventDatabase& database, const EventTable& e
         titles.push_back(
             {field.name(), (field.type() == sql::field_type::INTEGER) ? Alignment::RIGHT : Alignment::LEFT});
     }
-    TextTable texts(titles);
-    table.forEach(where, [&](const sql::Row& row) {
-        std::vector<std::string> rowTexts;
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            rowTexts.push_back(valueText(eventTable.columns()[i], row[i]));
-        }
-        texts.addRow(rowTexts);
-    });
-    texts.write(output);
+    // Reads one state of the table twice, so that no more than a row is kept.
+    TextLayout layout(titles);
+    forEachRow([&](const sql::Row& row) { layout.measure(textsOf(eventTable, row)); });
+    output.writeLine(layout.titleLine());
+    forEachRow([&](const sql::Row& row) { output.writeLine(layout.lineOf(textsOf(eventTable, row))); });
+}
+
+// Selects the wanted entries of a list.
+std::vector<sql::ColumnValues> selectionsOf(const EventTable& list, const ListFilter& filter)
+{
+    sql::ColumnValues ofObject;
+    if (filter.oid) {
+        ofObject.push_back({eventMgmt::EvmDatabase::ALLOW_IGNORE_COLUMN_OID, std::to_string(*filter.oid)});
+    }
+    if (filter.places.empty()) {
+        return {ofObject};
+    }
+    std::vector<sql::ColumnValues> selections;
+    for (const Place& place : filter.places) {
+        selections.push_back(ofObject);
+        selections.back().push_back({list.placeColumnName(), std::int64_t{place.number}});
+    }
+    return selections;
 }
 
 void showCounts(ResultOutput& output, EventDatabase& database, bool isJson)
@@ -66,13 +88,13 @@ void showCounts(ResultOutput& output, EventDatabase& database, bool isJson)
         texts.addRow({eventTable.name(), std::to_string(count)});
     }
     if (isJson) {
-        output.writeLine(counts.dump());
+        output.writeLine(jsonLine(counts));
     } else {
         texts.write(output);
     }
 }
 
-std::string placeOf(const Finding& finding)
+std::string locationOf(const Finding& finding)
 {
     return finding.table + (finding.row ? " row " + std::to_string(*finding.row) : "");
 }
@@ -82,10 +104,10 @@ Json jsonOf(const Finding& finding)
     Json json;
     json["table"] = finding.table.empty() ? Json() : Json(finding.table);
     json["row"] = finding.row ? Json(*finding.row) : Json();
-    json["problem"] = finding.text;
+    json["reason"] = finding.reason;
     if (finding.ruleFault) {
         json["rule"] = finding.rule;
-        json["column"] = columnOf(finding.rule, *finding.ruleFault);
+        json["column"] = faultColumn(finding.rule, *finding.ruleFault);
         json["remedy"] = finding.ruleFault->remedy;
     }
     return json;
@@ -101,7 +123,7 @@ ExitCode showTables(const std::string& path, const std::string& tableName, bool 
     if (tableName.empty()) {
         showCounts(output, database, isJson);
     } else {
-        showRows(output, database, requireTable(tableName), {}, isJson);
+        showRows(output, database, requireEventTable(tableName), {sql::ColumnValues()}, isJson);
     }
     output.finish();
     return EXIT_FINE;
@@ -113,19 +135,10 @@ ExitCode showList(const std::string& path, EventTableKind list, const ListFilter
     EventDatabase database = openForReading(path);
     const sql::Transaction oneState(database.database());
     for (const EventTable& eventTable : eventTables()) {
-        const bool isOfCards = eventTable.ownerWord() == "slot";
-        const bool isWanted = isOfCards ? !filter.component : !filter.slot;
-        if ((eventTable.kind() != list) || !isWanted) {
-            continue;
+        const bool isWanted = filter.places.empty() || (filter.places.begin()->kind == eventTable.placeKind());
+        if ((eventTable.kind() == list) && isWanted) {
+            showRows(output, database, eventTable, selectionsOf(eventTable, filter), isJson);
         }
-        sql::ColumnValues where;
-        if (const std::optional<std::uint32_t> owner = isOfCards ? filter.slot : filter.component) {
-            where.push_back({eventTable.columns()[eventTable.ownerColumn()].name(), std::int64_t{*owner}});
-        }
-        if (!filter.oid.empty()) {
-            where.push_back({EvmDatabase::ALLOW_IGNORE_COLUMN_OID, filter.oid});
-        }
-        showRows(output, database, eventTable, where, isJson);
     }
     output.finish();
     return EXIT_FINE;
@@ -134,27 +147,28 @@ ExitCode showList(const std::string& path, EventTableKind list, const ListFilter
 ExitCode showFindings(const std::string& path, bool isJson)
 {
     ResultOutput output;
-    sql::Database database(path, EVENT_DATABASE_IDENTITY, sql::Database::Access::READ);
+    sql::Database database = openEventDatabase(path, sql::Database::Access::READ);
     std::size_t nFindings = 0;
     checkDatabase(database, [&](const Finding& finding) {
         ++nFindings;
         if (isJson) {
-            output.writeLine(jsonOf(finding).dump(-1, ' ', false, Json::error_handler_t::replace));
+            output.writeLine(jsonLine(jsonOf(finding)));
             return;
         }
-        const std::string place = placeOf(finding);
-        output.writeLine(printable((place.empty() ? "" : place + ": ") + finding.text));
+        const std::string location = locationOf(finding);
+        output.writeLine(printable((location.empty() ? "" : location + ": ") + finding.reason));
         if (finding.ruleFault) {
-            for (const std::string& line : pictureOf(finding.rule, *finding.ruleFault)) {
+            for (const std::string& line : faultPicture(finding.rule, *finding.ruleFault)) {
                 output.writeLine(line);
             }
         }
     });
     if (!isJson) {
-        output.writeLine(path + ((nFindings == 0) ? ": nothing is wrong"
-                                                  : ": " + std::to_string(nFindings) +
-                                                        ((nFindings == 1) ? " problem" : " problems")));
+        output.writeLine(printable(path) +
+                         ((nFindings == 0) ? ": nothing is wrong" : ": " + counted(nFindings, "problem")));
     }
     output.finish();
     return (nFindings == 0) ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
 }
+
+}  // namespace brantel

@@ -1,136 +1,202 @@
 #include "commands/DbTransfer.h"
 
-#include <iostream>
+#include <algorithm>
 #include <map>
+#include <optional>
+#include <utility>
 
-#include "commands/RuleCheck.h"
+#include "common/Message.h"
 #include "common/ProgressBar.h"
 #include "common/ResultOutput.h"
+#include "rules/RuleFaultPicture.h"
 #include "tables/EventDatabase.h"
-#include "tables/RowSink.h"
+#include "tables/RowNumbers.h"
 
+namespace brantel {
 namespace {
 
-constexpr std::size_t MAX_TOLD_ROWS = 10;
+constexpr std::size_t MAX_SHOWN_ROWS = 10;
 
-class Import {
+// Puts the rows of a file into the tables, within a transaction of the caller's.
+class Import : public RowReceiver {
 public:
-    Import(EventDatabase& database, RowSource& source, bool replaces) : m_database(database), m_source(source)
+    Import(EventDatabase& database, ProgressBar& progress, bool replaces)
+        : m_database(database), m_progress(progress), m_replaces(replaces)
     {
-        for (const EventTable* const pTable : source.tables()) {
-            if (pTable->kind() == EventTableKind::CHANGES) {
-                throw CommandError(pTable->name() + " can not be imported: every change adds to it");
-            }
-            sql::Table& table = m_tables.emplace(pTable, database.table(*pTable)).first->second;
-            if (replaces) {
-                table.forEach({}, [&](const sql::Row& row) { m_changes.noteRemoved(*pTable, row); });
-                table.remove({});
-            }
-            m_nextRowIndex[pTable] = table.largestKey() + 1;
-        }
     }
 
-    /// True if every row was right; then they are in the tables.
-    bool run()
+    void beginTable(const EventTable& eventTable) override
     {
-        ProgressBar progress("rows", m_source.expectedRows());
-        while (std::optional<SourceRow> row = m_source.next()) {
-            take(*row);
-            progress.step();
-            if (m_nWrongRows == MAX_TOLD_ROWS) {
-                break;
-            }
+        if (eventTable.kind() == EventTableKind::CHANGES) {
+            throw CommandError(eventTable.name() + " cannot be imported: it records changes");
         }
-        m_changes.write(m_database);
-        return m_nWrongRows == 0;
+        TableImport& rows = m_tables.try_emplace(&eventTable, m_database.table(eventTable)).first->second;
+        if (m_replaces) {
+            rows.table.forEach({}, [&](const sql::Row& row) { m_changes.noteRemoved(eventTable, row); });
+            rows.table.remove({});
+        }
+        rows.numbers.emplace(eventTable, rows.table);
     }
 
-    std::size_t rowCount() const { return m_nRows; }
-
-private:
-    void take(SourceRow& row)
+    bool take(SourceRow row) override
     {
-        std::int64_t& nextRowIndex = m_nextRowIndex[row.pTable];
-        if (row.needsRowIndex) {
-            row.row.front() = nextRowIndex;
-        }
         std::vector<RowFault> faults = row.faults;
+        if (row.needsRowIndex) {
+            row.row.front() = 0;  // until the row is known to be right
+        }
         if (faults.empty()) {
             faults = faultsOfRow(*row.pTable, row.row);
         }
-        if (!faults.empty()) {
-            tell(row, faults);
-            return;
+        if (faults.empty()) {
+            insert(row);
+        } else {
+            ++m_nWrongRows;
+            show(row, faults);
         }
-        insert(row);
-        if (row.pTable->hasRowIndex()) {
-            nextRowIndex = std::max(nextRowIndex, std::get<std::int64_t>(row.row.front()) + 1);
-        }
-        m_changes.noteAdded(*row.pTable, row.row);
-        ++m_nRows;
+        m_progress.step();
+        return m_nWrongRows < MAX_SHOWN_ROWS;
     }
 
-    void insert(const SourceRow& row)
+    /// Ends the import, after the last row. False if some row was wrong: then nothing may be kept.
+    bool finish()
+    {
+        if (m_nWrongRows > 0) {
+            return false;
+        }
+        for (auto& [pTable, rows] : m_tables) {
+            removeRepeats(*pTable, rows);
+            noteNumbered(*pTable, rows);
+        }
+        m_changes.write(m_database);
+        return true;
+    }
+
+    std::int64_t importedCount() const { return m_nImported; }
+    std::int64_t skippedCount() const { return m_nSkipped; }
+
+private:
+    struct TableImport {
+        explicit TableImport(sql::Table importedTable) : table(std::move(importedTable)) {}
+
+        sql::Table table;
+        std::optional<RowNumbers> numbers;
+        RowNumberSet numbered;  ///< the rows that were numbered here
+    };
+
+    void insert(SourceRow& row)
+    {
+        TableImport& rows = m_tables.at(row.pTable);
+        if (row.needsRowIndex) {
+            row.row.front() = rows.numbers->next();
+        }
+        if (!isNew(rows.table, row)) {
+            ++m_nSkipped;
+            return;
+        }
+        ++m_nImported;
+        const std::int64_t key = std::get<std::int64_t>(row.row.front());
+        if (row.needsRowIndex) {
+            rows.numbered.add(key);
+        } else {
+            rows.numbers->leaveOut(key);
+            m_changes.noteAdded(*row.pTable, row.row);
+        }
+    }
+
+    // Inserts a row, unless an identical one exists.
+    static bool isNew(sql::Table& table, const SourceRow& row)
     {
         try {
-            m_tables.at(row.pTable).insert(row.row);
+            table.insert(row.row);
+            return true;
         } catch (const sql::Error& error) {
             if (error.problem() != sql::Problem::CONSTRAINT) {
                 throw;
             }
-            const sql::Field& key = row.pTable->columns().front();
-            throw CommandError(row.place + ": " + row.pTable->name() + " has a row with " + key.name() + " " +
-                               valueText(key, row.row.front()) + " already; nothing is imported");
+        }
+        const sql::Field& key = row.pTable->columns().front();
+        if (table.select({{key.name(), row.row.front()}}) == std::vector<sql::Row>{row.row}) {
+            return false;
+        }
+        throw CommandError(row.location + ": " + table.name() + " has another row with " + key.name() + " " +
+                           valueText(key, row.row.front()) +
+                           "; nothing is imported (--replace empties the table before)");
+    }
+
+    // Removes duplicates of other rows from the rows that were numbered here. One search finds them all: a search for
+    // each row would read the table for each row.
+    void removeRepeats(const EventTable& eventTable, TableImport& rows)
+    {
+        if (rows.numbered.lastByFirst().empty()) {
+            return;
+        }
+        RowNumberSet repeats;
+        rows.table.forEachRepeated(entryColumns(eventTable), [&](std::int64_t key, std::int64_t firstKey) {
+            if (rows.numbered.contains(key)) {
+                repeats.add(key);
+            } else if (rows.numbered.contains(firstKey)) {
+                repeats.add(firstKey);
+            }
+        });
+        for (const auto& [first, last] : repeats.lastByFirst()) {
+            const std::int64_t nRemoved = rows.table.removeRange(first, last);
+            m_nImported -= nRemoved;
+            m_nSkipped += nRemoved;
         }
     }
 
-    void tell(const SourceRow& row, const std::vector<RowFault>& faults)
+    void noteNumbered(const EventTable& eventTable, const TableImport& rows)
     {
-        ++m_nWrongRows;
+        for (const auto& [first, last] : rows.numbered.lastByFirst()) {
+            rows.table.forEachInRange(first, last, [&](const sql::Row& row) { m_changes.noteAdded(eventTable, row); });
+        }
+    }
+
+    static void show(const SourceRow& row, const std::vector<RowFault>& faults)
+    {
         for (const RowFault& fault : faults) {
-            std::cerr << "brantel: " << row.place << ": " << fault.column << ": "
-                      << (fault.ruleFault ? "refused: " : "") << printable(fault.reason) << '\n';
+            const std::string subject = row.location + ": " + fault.column;
             if (fault.ruleFault) {
-                for (const std::string& line : pictureOf(std::get<std::string>(row.row.back()), *fault.ruleFault)) {
-                    std::cerr << line << '\n';
-                }
+                printRefusal(subject, std::get<std::string>(row.row.back()), *fault.ruleFault);
+            } else {
+                printMessage(subject + ": " + fault.reason);
             }
         }
     }
 
     EventDatabase& m_database;
-    RowSource& m_source;
-    std::map<const EventTable*, sql::Table> m_tables;
-    std::map<const EventTable*, std::int64_t> m_nextRowIndex;
+    ProgressBar& m_progress;
+    bool m_replaces;
+    std::map<const EventTable*, TableImport> m_tables;
     ChangeRecord m_changes;
-    std::size_t m_nRows = 0;
+    std::int64_t m_nImported = 0;
+    std::int64_t m_nSkipped = 0;
     std::size_t m_nWrongRows = 0;
 };
 
 std::vector<const EventTable*> exportedTables(const ExportOptions& options)
 {
+    if (!options.table.empty()) {
+        return {&requireEventTable(options.table)};
+    }
     std::vector<const EventTable*> tables;
     for (const EventTable& table : eventTables()) {
-        if (options.table.empty() ? (table.kind() != EventTableKind::CHANGES)
-                                  : (findEventTable(options.table) == &table)) {
+        if (table.kind() != EventTableKind::CHANGES) {
             tables.push_back(&table);
         }
-    }
-    if (tables.empty()) {
-        throw CommandError("there is no table '" + options.table + "' ('brantel db show' names them)");
     }
     return tables;
 }
 
-// A row that could not be imported again is not exported.
+// Only rows that can be imported again are exported.
 void requireExportable(const EventTable& table, const sql::Row& row)
 {
     const std::vector<RowFault> faults =
         (table.kind() == EventTableKind::CHANGES) ? std::vector<RowFault>() : faultsOfRow(table, row);
     if (!faults.empty()) {
         throw CommandError(table.name() + " row " + valueText(table.columns().front(), row.front()) + ": " +
-                           faults.front().column + ": " + printable(faults.front().reason) +
-                           "; mend it before the export ('brantel db check' tells all)");
+                           faults.front().column + ": " + faults.front().reason +
+                           "; fix it first ('brantel db check' lists all problems)");
     }
 }
 
@@ -138,18 +204,25 @@ void requireExportable(const EventTable& table, const sql::Row& row)
 
 ExitCode importTables(const std::string& path, const ImportOptions& options)
 {
-    const std::unique_ptr<RowSource> pSource =
-        openRowSource(options.file, options.format.value_or(formatOfFile(options.file)));
+    // The input is complete before the database is locked.
+    const SpooledInput input(options.file);
+    const TableFormat format = options.format ? *options.format : formatOf(input);
     EventDatabase database(path, sql::Database::Access::WRITE);
     sql::Transaction transaction(database.database());
-    Import import(database, *pSource, options.replaces);
-    if (!import.run()) {
-        std::cerr << "brantel: nothing is imported\n";
+    std::optional<ProgressBar> progress(std::in_place, "rows", expectedRows(input, format));
+    Import rowImport(database, *progress, options.replaces);
+    readRows(input, format, rowImport);
+    const bool isRight = rowImport.finish();
+    progress.reset();
+    if (!isRight) {
+        printMessage("nothing is imported");
         return EXIT_NEGATIVE_ANSWER;
     }
     transaction.commit();
     ResultOutput output;
-    output.writeLine(std::to_string(import.rowCount()) + ((import.rowCount() == 1) ? " row" : " rows") + " imported");
+    const std::string skipped =
+        (rowImport.skippedCount() == 0) ? "" : ", " + std::to_string(rowImport.skippedCount()) + " already there";
+    output.writeLine(counted(static_cast<std::uint64_t>(rowImport.importedCount()), "row") + " imported" + skipped);
     output.finish();
     return EXIT_FINE;
 }
@@ -187,3 +260,5 @@ ExitCode exportTables(const std::string& path, const ExportOptions& options)
     output.finish();
     return EXIT_FINE;
 }
+
+}  // namespace brantel

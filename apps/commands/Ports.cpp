@@ -3,11 +3,14 @@
 #include <nlohmann/json.hpp>
 
 #include "NpuDataPortsConfiguration.h"
+#include "backplane/BackplanePicture.h"
+#include "backplane/BackplanePorts.h"
+#include "backplane/BackplaneSegment.h"
+#include "common/JsonLine.h"
 #include "common/ResultOutput.h"
 #include "common/TextTable.h"
-#include "ports/BackplanePicture.h"
-#include "ports/BackplanePorts.h"
-#include "ports/BackplaneSegment.h"
+
+namespace brantel {
 
 using Json = nlohmann::ordered_json;
 
@@ -18,10 +21,10 @@ struct ChosenBackplane {
     std::uint32_t type;
     std::string source;       ///< a word for programs
     std::string explanation;  ///< the same for people
+    std::string reason;       ///< why the segment is unusable, if it is
 };
 
-// A word for each state of the segment.
-std::string stateWord(const BackplaneSegment& segment)
+std::string segmentStateText(const BackplaneSegment& segment)
 {
     switch (segment.state) {
         case BackplaneSegment::State::NONE: return "none";
@@ -36,23 +39,23 @@ std::string stateWord(const BackplaneSegment& segment)
 ChosenBackplane chooseBackplane(std::optional<std::uint32_t> wantedType)
 {
     if (wantedType) {
-        return {*wantedType, "option", "as asked for"};
+        return {*wantedType, "option", "as requested", ""};
     }
     const BackplaneSegment segment = readBackplaneSegment();
     if (segment.type()) {
-        return {*segment.type(), stateWord(segment), "read from the segment"};
+        return {*segment.type(), segmentStateText(segment), "read from the segment", ""};
     }
-    return {0, stateWord(segment), "assumed: " + describe(segment)};
+    return {0, segmentStateText(segment), "assumed: " + segmentText(segment), segment.reason};
 }
 
-std::string titleOf(const ChosenBackplane& backplane)
+std::string titleText(const ChosenBackplane& backplane)
 {
     return "Backplane type " + std::to_string(backplane.type) + ", " + backplane.explanation;
 }
 
 void writeTable(ResultOutput& output, const ChosenBackplane& backplane, const BackplanePorts& ports)
 {
-    output.writeLine(titleOf(backplane));
+    output.writeLine(titleText(backplane));
     TextTable table({{"Slot", Alignment::RIGHT},
                      {"Link", Alignment::RIGHT},
                      {"NPU port", Alignment::RIGHT},
@@ -64,20 +67,23 @@ void writeTable(ResultOutput& output, const ChosenBackplane& backplane, const Ba
         }
         for (std::size_t link = 0; link < ports[slot].size(); ++link) {
             const BackplaneLink& port = ports[slot][link];
-            const auto textOf = [&](std::uint32_t value) { return port ? std::to_string(value) : "-"; };
+            const auto valueText = [&](std::uint32_t value) { return port ? std::to_string(value) : "-"; };
             const LinkPort values = port.value_or(LinkPort{});
-            table.addRow({std::to_string(slot), std::to_string(link), textOf(values.npuPort),
-                          textOf(values.maxBandwidth), textOf(values.dcnVlan)});
+            table.addRow({std::to_string(slot), std::to_string(link), valueText(values.npuPort),
+                          valueText(values.maxBandwidth), valueText(values.dcnVlan)});
         }
     }
     table.write(output);
 }
 
-Json jsonOf(const ChosenBackplane& backplane, const BackplanePorts& ports)
+Json portsJson(const ChosenBackplane& backplane, const BackplanePorts& ports)
 {
     Json json;
     json["backplane_type"] = backplane.type;
     json["source"] = backplane.source;
+    if (!backplane.reason.empty()) {
+        json["reason"] = backplane.reason;
+    }
     json["dcn_mpls_label"] = DefaultKatanaDataPortsConfig().getDcnMplsLabel(0, 0);
     json["slots"] = Json::array();
     for (std::size_t slot = 0; slot < ports.size(); ++slot) {
@@ -95,7 +101,7 @@ Json jsonOf(const ChosenBackplane& backplane, const BackplanePorts& ports)
     return json;
 }
 
-ExitCode say(const std::string& text, ExitCode exitCode)
+ExitCode printAnswer(const std::string& text, ExitCode exitCode)
 {
     ResultOutput output;
     output.writeLine(text);
@@ -112,8 +118,8 @@ ExitCode showPorts(std::optional<std::uint32_t> type, PortsForm form)
     ResultOutput output;
     switch (form) {
         case PortsForm::TABLE: writeTable(output, backplane, ports); break;
-        case PortsForm::JSON: output.writeLine(jsonOf(backplane, ports).dump()); break;
-        case PortsForm::PICTURE: output.writeLine(backplanePicture(ports, titleOf(backplane))); break;
+        case PortsForm::JSON: output.writeLine(jsonLine(portsJson(backplane, ports))); break;
+        case PortsForm::PICTURE: output.writeLine(backplanePicture(ports, titleText(backplane))); break;
     }
     output.finish();
     return EXIT_FINE;
@@ -122,28 +128,37 @@ ExitCode showPorts(std::optional<std::uint32_t> type, PortsForm form)
 ExitCode publishBackplane(std::uint32_t type)
 {
     publishBackplaneType(type);
-    return say("backplane type " + std::to_string(type) + " is published", EXIT_FINE);
+    return printAnswer("backplane type " + std::to_string(type) + " is published", EXIT_FINE);
 }
 
 ExitCode clearBackplane()
 {
     if (!removeBackplaneSegment()) {
-        return say("there is no segment", EXIT_NEGATIVE_ANSWER);
+        return printAnswer("there is no segment", EXIT_NEGATIVE_ANSWER);
     }
-    return say("the segment is removed", EXIT_FINE);
+    return printAnswer("the segment is removed", EXIT_FINE);
 }
 
 ExitCode showBackplane(bool isJson)
 {
     const BackplaneSegment segment = readBackplaneSegment();
+    const bool isUnusable = (segment.state == BackplaneSegment::State::UNUSABLE);
+    if (isUnusable && !isJson) {
+        throw CommandError(segmentText(segment));
+    }
     const ExitCode exitCode = segment.type() ? EXIT_FINE : EXIT_NEGATIVE_ANSWER;
     if (!isJson) {
-        return say(describe(segment), exitCode);
+        return printAnswer(segmentText(segment), exitCode);
     }
     Json json;
-    json["state"] = stateWord(segment);
+    json["state"] = segmentStateText(segment);
+    if (isUnusable) {
+        json["reason"] = segment.reason;
+    }
     json["backplane_type"] = segment.type() ? Json(*segment.type()) : Json();
     json["words"] = segment.words;
     json["attached"] = segment.nAttached;
-    return say(json.dump(), exitCode);
+    return printAnswer(jsonLine(json), isUnusable ? EXIT_UNUSABLE : exitCode);
 }
+
+}  // namespace brantel

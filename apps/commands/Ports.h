@@ -8,9 +8,11 @@
 
 #include "common/CommandLine.h"
 
+namespace brantel {
+
 enum class PortsForm { TABLE, JSON, PICTURE };
 
-/// Shows the ports of a backplane type; of the node's own, or of the one that is assumed for it, if none is given.
+/// Shows the ports of a backplane type (default: the node's own, or the one that is assumed for it).
 ExitCode showPorts(std::optional<std::uint32_t> type, PortsForm form);
 
 ExitCode publishBackplane(std::uint32_t type);
@@ -18,7 +20,9 @@ ExitCode publishBackplane(std::uint32_t type);
 /// EXIT_NEGATIVE_ANSWER if there is no segment.
 ExitCode clearBackplane();
 
-/// EXIT_NEGATIVE_ANSWER if the segment names no type.
+/// EXIT_NEGATIVE_ANSWER if the segment names no type, EXIT_UNUSABLE if it is unusable.
 ExitCode showBackplane(bool isJson);
+
+}  // namespace brantel
 
 #endif

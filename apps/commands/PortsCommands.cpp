@@ -1,4 +1,4 @@
-#include "commands/PortsCommands.h"
+#include "commands/Commands.h"
 
 #include <cstdint>
 #include <memory>
@@ -6,31 +6,33 @@
 #include <string>
 
 #include "commands/Ports.h"
+#include "common/TypedOptions.h"
 #include "customer/phy_otnCommon.h"
 
+namespace brantel {
 namespace {
 
 constexpr const char* PORTS_EXAMPLES =
-    R"(Without --backplane the type is the one that the node publishes; without one, type 0 is assumed, as the library does.
+    R"(Without --backplane the type is the one that the node publishes; if it publishes none, type 0 is assumed, as in the
+library.
+
+Exit code: 0 success, 2 misuse.
 
 Examples:
   brantel ports
   brantel ports --backplane 3 --svg > backplane.svg)";
 
 constexpr const char* BACKPLANE_EXAMPLES =
-    R"(The type stands in shared memory, where another process of the node puts it. On a workstation this command does.
+    R"(The type is in shared memory. On the node another process publishes it, on a workstation this command.
 
-Exit code: 0 done, 1 there is no segment or it names no type, 2 misuse or an unusable segment.
+Exit code: 0 success, 1 there is no segment or it names no type, 2 misuse or an unusable segment.
 
 Examples:
   brantel backplane publish 3
   brantel backplane show
   brantel backplane clear)";
 
-CLI::Range backplaneTypes()
-{
-    return CLI::Range(0U, phy_otnCommon::N_BACKPLANE_TYPES - 1);
-}
+constexpr std::uint32_t LAST_TYPE = phy_otnCommon::N_BACKPLANE_TYPES - 1;
 
 void addPorts(CLI::App& app, Invocation& invocation)
 {
@@ -39,11 +41,10 @@ void addPorts(CLI::App& app, Invocation& invocation)
     const auto type = std::make_shared<std::optional<std::uint32_t>>();
     const auto isJson = std::make_shared<bool>(false);
     const auto isPicture = std::make_shared<bool>(false);
-    ports->add_option("--backplane", *type, "A backplane type instead of the node's")
-        ->type_name("N")
-        ->check(backplaneTypes());
-    CLI::Option* const json = ports->add_flag("--json", *isJson, "As one JSON object");
-    ports->add_flag("--svg", *isPicture, "As a picture of the backplane")->excludes(json);
+    addIntegerOption(*ports, "--backplane", *type, "A backplane type (default: the node's)", 0, LAST_TYPE)
+        ->type_name("N");
+    CLI::Option* const json = ports->add_flag("--json", *isJson, "Print one JSON object");
+    ports->add_flag("--svg", *isPicture, "Print a picture of the backplane")->excludes(json);
     ports->callback([=, &invocation] {
         const PortsForm textForm = *isJson ? PortsForm::JSON : PortsForm::TABLE;
         const PortsForm form = *isPicture ? PortsForm::PICTURE : textForm;
@@ -53,21 +54,21 @@ void addPorts(CLI::App& app, Invocation& invocation)
 
 void addBackplane(CLI::App& app, Invocation& invocation)
 {
-    CLI::App* const backplane = app.add_subcommand("backplane", "Look at and change the node's backplane type");
+    CLI::App* const backplane = app.add_subcommand("backplane", "Show and change the node's backplane type");
     backplane->require_subcommand(1);
     backplane->footer(BACKPLANE_EXAMPLES);
 
-    CLI::App* const publish = backplane->add_subcommand("publish", "Create the segment, or change what it says");
+    CLI::App* const publish = backplane->add_subcommand("publish", "Create the segment, or change its type");
     const auto type = std::make_shared<std::uint32_t>();
-    publish->add_option("type", *type, "The backplane type")->required()->type_name("N")->check(backplaneTypes());
+    addIntegerOption(*publish, "N", *type, "The backplane type", 0, LAST_TYPE)->required()->type_name("");
     publish->callback([=, &invocation] { invocation.run = [=] { return publishBackplane(*type); }; });
 
     CLI::App* const clear = backplane->add_subcommand("clear", "Remove the segment");
     clear->callback([&invocation] { invocation.run = clearBackplane; });
 
-    CLI::App* const show = backplane->add_subcommand("show", "Say what the segment says");
+    CLI::App* const show = backplane->add_subcommand("show", "Show the content of the segment");
     const auto isJson = std::make_shared<bool>(false);
-    show->add_flag("--json", *isJson, "As one JSON object");
+    show->add_flag("--json", *isJson, "Print one JSON object");
     show->callback([=, &invocation] { invocation.run = [=] { return showBackplane(*isJson); }; });
 }
 
@@ -78,3 +79,5 @@ void addPortsCommands(CLI::App& app, Invocation& invocation)
     addPorts(app, invocation);
     addBackplane(app, invocation);
 }
+
+}  // namespace brantel

@@ -1,50 +1,54 @@
 #include "commands/RuleCheck.h"
 
-#include <algorithm>
-
 #include <nlohmann/json.hpp>
 
 #include "EventMgmtRulesParsing.h"
+#include "common/JsonLine.h"
 #include "common/LineReader.h"
+#include "common/PrintableText.h"
+#include "common/ResultOutput.h"
 #include "rules/RuleDescription.h"
+#include "rules/RuleFaultPicture.h"
 #include "rules/RuleNotes.h"
 #include "rules/RuleText.h"
+
+namespace brantel {
 
 using Json = nlohmann::ordered_json;
 
 namespace {
 
-struct RulePlace {
+struct RuleLocation {
     std::string source;  ///< "argument", or the name of the file
     std::size_t number;  ///< of the argument or of the line, from 1
     bool isArgument;
 };
 
-std::string placeText(const RulePlace& place)
+std::string locationText(const RuleLocation& location)
 {
-    return place.source + (place.isArgument ? " " : ":") + std::to_string(place.number);
+    return printable(location.source) + (location.isArgument ? " " : ":") + std::to_string(location.number);
 }
 
 class RuleChecker {
 public:
     explicit RuleChecker(bool isJson) : m_isJson(isJson) {}
 
-    void check(const std::string& rule, const RulePlace& place)
+    void check(const std::string& rule, const RuleLocation& location)
     {
         vemorRules::RuleObject parsed;
         const bool isValid = vemorRules::isEmptyRule(rule) || vemorRules::parseRule(rule, &parsed);
         ++(isValid ? m_valid : m_refused);
         if (isValid) {
-            m_isJson ? tellJson(validRule(rule, place, parsed)) : tellValid(rule, place, parsed);
+            m_isJson ? printJson(validRule(rule, location, parsed)) : printValid(rule, location, parsed);
         } else {
-            m_isJson ? tellJson(refusedRule(rule, place)) : tellRefused(rule, place);
+            m_isJson ? printJson(refusedRule(rule, location)) : printRefused(rule, location);
         }
     }
 
     ExitCode finish()
     {
-        if (!m_isJson && (m_valid + m_refused > 1)) {
-            m_output.writeLine(std::to_string(m_valid + m_refused) + " rules: " + std::to_string(m_valid) + " valid, " +
+        if (!m_isJson) {
+            m_output.writeLine(counted(m_valid + m_refused, "rule") + ": " + std::to_string(m_valid) + " valid, " +
                                std::to_string(m_refused) + " refused");
         }
         m_output.finish();
@@ -52,66 +56,59 @@ public:
     }
 
 private:
-    void tellValid(const std::string& rule, const RulePlace& place, const vemorRules::RuleObject& parsed)
+    void printValid(const std::string& rule, const RuleLocation& location, const vemorRules::RuleObject& parsed)
     {
-        std::string kind = kindOfRule(parsed.m_expressionType);
+        std::string kind = ruleKindText(parsed.m_expressionType);
         if (!vemorRules::isEmptyRule(rule)) {
             kind = (isUnsignedRule(rule) ? "unsigned " : "signed ") + kind;
         }
-        m_output.writeLine(placeText(place) + ": " + m_output.coloured(Colour::GREEN, "valid") + ", " + kind + ": " +
-                           describeRuleText(rule));
+        m_output.writeLine(locationText(location) + ": " + m_output.coloured(Colour::GREEN, "valid") + ", " + kind +
+                           ": " + meaningText(rule));
         for (const std::string& note : notesOn(rule)) {
             m_output.writeLine("    note: " + printable(note));
         }
     }
 
-    void tellRefused(const std::string& rule, const RulePlace& place)
+    void printRefused(const std::string& rule, const RuleLocation& location)
     {
         const RuleFault fault = explainRefusal(rule);
-        m_output.writeLine(placeText(place) + ":" + std::to_string(columnOf(rule, fault)) + ": " +
+        m_output.writeLine(locationText(location) + ":" + std::to_string(faultColumn(rule, fault)) + ": " +
                            m_output.coloured(Colour::RED, "refused") + ": " + printable(fault.reason));
-        for (const std::string& line : pictureOf(rule, fault)) {
+        for (const std::string& line : faultPicture(rule, fault)) {
             m_output.writeLine(line);
         }
     }
 
-    static Json placeAndRule(const std::string& rule, const RulePlace& place, bool isValid)
+    static Json locationAndRule(const std::string& rule, const RuleLocation& location, bool isValid)
     {
         Json result;
-        result["source"] = place.source;
-        result[place.isArgument ? "argument" : "line"] = place.number;
+        result["source"] = location.source;
+        result[location.isArgument ? "argument" : "line"] = location.number;
         result["rule"] = rule;
         result["valid"] = isValid;
         return result;
     }
 
-    static Json validRule(const std::string& rule, const RulePlace& place, const vemorRules::RuleObject& parsed)
+    static Json validRule(const std::string& rule, const RuleLocation& location, const vemorRules::RuleObject& parsed)
     {
-        Json result = placeAndRule(rule, place, true);
+        Json result = locationAndRule(rule, location, true);
         result["type"] = vemorRules::expressionTypeNames[parsed.m_expressionType];
         if (!vemorRules::isEmptyRule(rule)) {
             result["unsigned"] = isUnsignedRule(rule);
         }
-        result["meaning"] = describeRuleText(rule);
+        result["meaning"] = meaningText(rule);
         result["notes"] = notesOn(rule);
         return result;
     }
 
-    static Json refusedRule(const std::string& rule, const RulePlace& place)
+    static Json refusedRule(const std::string& rule, const RuleLocation& location)
     {
-        const RuleFault fault = explainRefusal(rule);
-        Json result = placeAndRule(rule, place, false);
-        result["column"] = columnOf(rule, fault);
-        result["length"] = characterCount(rule.substr(fault.span.begin), fault.span.length);
-        result["reason"] = fault.reason;
-        result["remedy"] = fault.remedy;
+        Json result = locationAndRule(rule, location, false);
+        addFault(result, rule, explainRefusal(rule));
         return result;
     }
 
-    void tellJson(const Json& result)
-    {
-        m_output.writeLine(result.dump(-1, ' ', false, Json::error_handler_t::replace));
-    }
+    void printJson(const Json& result) { m_output.writeLine(jsonLine(result)); }
 
     bool m_isJson;
     ResultOutput m_output;
@@ -137,22 +134,4 @@ ExitCode checkRules(const RuleCheckOptions& options)
     return checker.finish();
 }
 
-RuleFault explainRefusal(const std::string& rule)
-{
-    return findFault(rule).value_or(RuleFault{{0, std::max<std::size_t>(rule.size(), 1)}, "the parser refuses it", ""});
-}
-
-std::vector<std::string> pictureOf(const std::string& rule, const RuleFault& fault)
-{
-    constexpr const char* INDENT = "    ";
-    const std::string before(characterCount(rule, fault.span.begin), ' ');
-    const std::size_t marked =
-        (fault.span.begin < rule.size()) ? characterCount(rule.substr(fault.span.begin), fault.span.length) : 1;
-    return {INDENT + printable(rule), INDENT + before + "^" + std::string(std::max<std::size_t>(marked, 1) - 1, '~'),
-            INDENT + printable(fault.remedy)};
-}
-
-std::size_t columnOf(const std::string& rule, const RuleFault& fault)
-{
-    return characterCount(rule, fault.span.begin) + 1;
-}
+}  // namespace brantel

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <iomanip>
-#include <iostream>
 #include <limits>
 #include <sstream>
 #include <vector>
@@ -10,19 +9,25 @@
 #include <nlohmann/json.hpp>
 
 #include "EventMgmtRulesParsing.h"
-#include "commands/RuleCheck.h"
+#include "common/JsonLine.h"
 #include "common/LineReader.h"
+#include "common/Message.h"
+#include "common/PrintableText.h"
 #include "common/ResultOutput.h"
+#include "common/Signals.h"
 #include "rules/RaiseStatistics.h"
+#include "rules/RuleFaultPicture.h"
 #include "rules/RuleSession.h"
 #include "rules/RuleText.h"
 #include "samples/SampleTime.h"
+
+namespace brantel {
 
 using Json = nlohmann::ordered_json;
 
 namespace {
 
-// Differences of times are exact to the millisecond, not beyond.
+// Differences of times are exact to the millisecond only.
 double roundedToMilliseconds(double seconds)
 {
     return std::round(seconds * 1000.0) / 1000.0;
@@ -38,7 +43,7 @@ std::string secondsText(double seconds)
 class RuleEvaluation {
 public:
     RuleEvaluation(const RuleEvalOptions& options, const vemorRules::RuleObject& rule, bool isUnsigned)
-        : m_options(options), m_session(rule, isUnsigned), m_statistics(m_session.conditionNames().size())
+        : m_options(options), m_session(rule, isUnsigned), m_statistics(m_session.states().size())
     {
     }
 
@@ -47,17 +52,17 @@ public:
         ++m_evaluable;
         const std::vector<ConditionState> states = m_session.evaluate(sample.value);
         if (states.empty()) {
-            if (m_options.tellsAll) {
-                tellUndecided(sample);
+            if (m_options.printsAll) {
+                printUndecided(sample);
             }
             return;
         }
         ++m_evaluations;
-        const std::optional<double> seconds = sample.time ? secondsOf(*sample.time) : std::nullopt;
+        const std::optional<double> seconds = sample.time ? m_times.parse(*sample.time) : std::nullopt;
         for (std::size_t i = 0; i < states.size(); ++i) {
             m_statistics[i].add(states[i].isRaised, seconds);
-            if (states[i].hasChanged || m_options.tellsAll) {
-                m_options.isJson ? tellStateAsJson(sample, states[i]) : tellState(sample, states[i]);
+            if (states[i].hasChanged || m_options.printsAll) {
+                m_options.isJson ? printStateAsJson(sample, states[i]) : printState(sample, states[i]);
             }
         }
     }
@@ -65,8 +70,8 @@ public:
     void skip(const std::string& fault)
     {
         ++m_skipped;
-        m_output.finish();  // in the order in which it happens
-        std::cerr << "brantel: " << fault << ", skipped\n";
+        m_output.finish();
+        printMessage(fault + ", skipped");
     }
 
     /// False if there was nothing that could be evaluated.
@@ -74,7 +79,7 @@ public:
 
     void finish()
     {
-        m_options.isJson ? tellSummaryAsJson() : tellSummary();
+        m_options.isJson ? printSummaryAsJson() : printSummary();
         m_output.finish();
     }
 
@@ -98,7 +103,7 @@ private:
         return result;
     }
 
-    void tellState(const Sample& sample, const ConditionState& state)
+    void printState(const Sample& sample, const ConditionState& state)
     {
         std::string words = state.isRaised ? "raised" : "cleared";
         words = state.hasChanged ? m_output.coloured(state.isRaised ? Colour::RED : Colour::GREEN, words)
@@ -106,7 +111,7 @@ private:
         m_output.writeLine(sampleText(sample) + (state.name.empty() ? "" : state.name + " ") + words);
     }
 
-    void tellStateAsJson(const Sample& sample, const ConditionState& state)
+    void printStateAsJson(const Sample& sample, const ConditionState& state)
     {
         Json result = sampleJson(sample);
         if (!state.name.empty()) {
@@ -114,10 +119,10 @@ private:
         }
         result["state"] = state.isRaised ? "raised" : "cleared";
         result["changed"] = state.hasChanged;
-        tellJson(result);
+        printJson(result);
     }
 
-    void tellUndecided(const Sample& sample)
+    void printUndecided(const Sample& sample)
     {
         if (!m_options.isJson) {
             m_output.writeLine(sampleText(sample) + "no sample before to compare with");
@@ -126,18 +131,18 @@ private:
         Json result = sampleJson(sample);
         result["state"] = nullptr;
         result["changed"] = false;
-        tellJson(result);
+        printJson(result);
     }
 
-    void tellSummary()
+    void printSummary()
     {
         m_output.writeLine(counted(m_evaluable + m_skipped, "sample") + ", " + std::to_string(m_skipped) +
                            " skipped, " + counted(m_evaluations, "evaluation"));
-        const std::vector<std::string> names = m_session.conditionNames();
-        for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::vector<ConditionState> conditions = m_session.states();
+        for (std::size_t i = 0; i < conditions.size(); ++i) {
             const RaiseStatistics& statistics = m_statistics[i];
-            std::string line =
-                (names[i].empty() ? "" : names[i] + " ") + "raised " + counted(statistics.timesRaised(), "time");
+            std::string line = (conditions[i].name.empty() ? "" : conditions[i].name + " ") + "raised " +
+                               counted(statistics.timesRaised(), "time");
             if (statistics.timesRaised() > 0) {
                 line += ", longest " + counted(statistics.longestSamples(), "sample");
                 if (const std::optional<double> seconds = statistics.longestSeconds()) {
@@ -148,18 +153,18 @@ private:
         }
     }
 
-    void tellSummaryAsJson()
+    void printSummaryAsJson()
     {
         Json summary;
         summary["samples"] = m_evaluable + m_skipped;
         summary["skipped"] = m_skipped;
         summary["evaluations"] = m_evaluations;
         summary["conditions"] = Json::array();
-        const std::vector<std::string> names = m_session.conditionNames();
-        for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::vector<ConditionState> conditions = m_session.states();
+        for (std::size_t i = 0; i < conditions.size(); ++i) {
             Json condition;
-            if (!names[i].empty()) {
-                condition["condition"] = names[i];
+            if (!conditions[i].name.empty()) {
+                condition["condition"] = conditions[i].name;
             }
             condition["times_raised"] = m_statistics[i].timesRaised();
             condition["longest_samples"] = m_statistics[i].longestSamples();
@@ -167,16 +172,14 @@ private:
             condition["longest_seconds"] = seconds ? Json(roundedToMilliseconds(*seconds)) : Json(nullptr);
             summary["conditions"].push_back(condition);
         }
-        tellJson({{"summary", summary}});
+        printJson({{"summary", summary}});
     }
 
-    void tellJson(const Json& result)
-    {
-        m_output.writeLine(result.dump(-1, ' ', false, Json::error_handler_t::replace));
-    }
+    void printJson(const Json& result) { m_output.writeLine(jsonLine(result)); }
 
     const RuleEvalOptions& m_options;
     RuleSession m_session;
+    SampleTimes m_times;
     std::vector<RaiseStatistics> m_statistics;
     ResultOutput m_output;
     std::uint64_t m_evaluable = 0;
@@ -184,20 +187,40 @@ private:
     std::uint64_t m_evaluations = 0;
 };
 
-// The rule in its parsed form; nothing, after a word to the user, if it is refused or can not be evaluated.
-std::optional<vemorRules::RuleObject> evaluableRule(const std::string& rule)
+// Reports why a rule is not evaluated: a fault of its text, or, without one, `reason`.
+void refuse(const RuleEvalOptions& options, const std::string& reason, const std::optional<RuleFault>& fault)
+{
+    const std::string& rule = options.rule;
+    if (options.isJson) {
+        Json refused = {{"rule", rule}};
+        if (fault) {
+            addFault(refused, rule, *fault);
+        } else {
+            refused["reason"] = reason;
+        }
+        ResultOutput output;
+        output.writeLine(jsonLine({{"refused", refused}}));
+        output.finish();
+        return;
+    }
+    if (fault) {
+        printRefusal("rule", rule, *fault);
+    } else {
+        printMessage("rule: refused: " + reason);
+    }
+}
+
+// The parsed rule; nothing, after a message to the user, if it is refused or cannot be evaluated.
+std::optional<vemorRules::RuleObject> evaluableRule(const RuleEvalOptions& options)
 {
     vemorRules::RuleObject parsed;
-    if (!vemorRules::parseRule(rule, &parsed)) {
-        const RuleFault fault = explainRefusal(rule);
-        std::cerr << "brantel: rule:" << columnOf(rule, fault) << ": refused: " << printable(fault.reason) << '\n';
-        for (const std::string& line : pictureOf(rule, fault)) {
-            std::cerr << line << '\n';
-        }
+    if (!vemorRules::parseRule(options.rule, &parsed)) {
+        const RuleFault fault = explainRefusal(options.rule);
+        refuse(options, fault.reason, fault);
         return std::nullopt;
     }
     if (const std::optional<std::string> reason = reasonAgainstEvaluation(parsed)) {
-        std::cerr << "brantel: rule: refused: " << *reason << '\n';
+        refuse(options, *reason, std::nullopt);
         return std::nullopt;
     }
     return parsed;
@@ -207,13 +230,15 @@ std::optional<vemorRules::RuleObject> evaluableRule(const std::string& rule)
 
 ExitCode evaluateRule(const RuleEvalOptions& options)
 {
-    const std::optional<vemorRules::RuleObject> rule = evaluableRule(options.rule);
+    const std::optional<vemorRules::RuleObject> rule = evaluableRule(options);
     if (!rule) {
         return EXIT_NEGATIVE_ANSWER;
     }
     const bool isUnsigned = isUnsignedRule(options.rule);
     const SampleRange range = sampleRange(isUnsigned);
     LineReader lines(options.input);
+    const StopNotice stopNotice;
+    lines.endAt(stopNotice.descriptor());
     SampleReader samples(lines, options.columns, range.lowest, range.highest);
     RuleEvaluation evaluation(options, *rule, isUnsigned);
     while (const std::optional<Sample> sample = samples.next()) {
@@ -222,8 +247,8 @@ ExitCode evaluateRule(const RuleEvalOptions& options)
             continue;
         }
         const std::string fault = lines.name() + ":" + std::to_string(sample->line) + ": sample " +
-                                  std::to_string(sample->number) + ": " + printable(sample->fault);
-        if (options.onError == "fail") {
+                                  std::to_string(sample->number) + ": " + sample->fault;
+        if (options.endsAtFault) {
             throw CommandError(fault);
         }
         evaluation.skip(fault);
@@ -234,3 +259,5 @@ ExitCode evaluateRule(const RuleEvalOptions& options)
     evaluation.finish();
     return EXIT_FINE;
 }
+
+}  // namespace brantel

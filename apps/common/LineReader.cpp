@@ -2,14 +2,27 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include "common/CommandLine.h"
 
+namespace brantel {
 namespace {
+
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+// The parts of the input that do not belong to a line.
+constexpr std::size_t MAX_EXTRA_LENGTH = BYTE_ORDER_MARK.size() + std::string_view("\r").size();
+
+std::string tooLong()
+{
+    return "the line is longer than " + std::to_string(LineReader::MAX_LINE_LENGTH) + " bytes";
+}
 
 [[noreturn]] void throwCannotRead(const std::string& name, int error)
 {
@@ -21,19 +34,15 @@ namespace {
 LineReader::LineReader(const std::string& path) : m_name((path == "-") ? "standard input" : path)
 {
     if (path != "-") {
-        m_file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        m_opened = FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        m_file = m_opened.number();
         if (m_file < 0) {
             throwCannotRead(m_name, errno);
         }
     }
 }
 
-LineReader::~LineReader()
-{
-    if (m_file != STDIN_FILENO) {
-        close(m_file);
-    }
-}
+LineReader::LineReader(int file, const std::string& name) : m_file(file), m_name(name) {}
 
 std::optional<std::string> LineReader::next()
 {
@@ -41,9 +50,9 @@ std::optional<std::string> LineReader::next()
     for (;;) {
         const std::size_t posEnd = m_buffer.find('\n', searchFrom);
         const std::size_t length = std::min(posEnd, m_buffer.size()) - m_begin;
-        if (length > MAX_LINE_LENGTH) {
-            throw CommandError(m_name + ":" + std::to_string(m_lineNumber + 1) + ": the line is longer than " +
-                               std::to_string(MAX_LINE_LENGTH) + " bytes");
+        if (length > MAX_LINE_LENGTH + MAX_EXTRA_LENGTH) {
+            ++m_lineNumber;
+            throwAtLine(tooLong());
         }
         if (posEnd != std::string::npos) {
             std::string line = takeLine(length);
@@ -57,7 +66,7 @@ std::optional<std::string> LineReader::next()
             break;
         }
     }
-    if (m_buffer.empty()) {
+    if (m_buffer.empty() || m_wasEnded) {
         return std::nullopt;
     }
     std::string line = takeLine(m_buffer.size());
@@ -65,13 +74,17 @@ std::optional<std::string> LineReader::next()
     return line;
 }
 
-// Appends what can be read now to the buffer; false at the end of the input.
+// Appends what can be read to the buffer; false at the end of the input.
 bool LineReader::fill()
 {
     char bytes[65536];
     ssize_t count = -1;
     do {
-        count = read(m_file, bytes, sizeof bytes);
+        if (isEndReached()) {
+            m_wasEnded = true;
+            return false;
+        }
+        count = ::read(m_file, bytes, sizeof bytes);
     } while ((count < 0) && (errno == EINTR));
     if (count < 0) {
         throwCannotRead(m_name, errno);
@@ -80,19 +93,40 @@ bool LineReader::fill()
     return count > 0;
 }
 
+// Waits until there is something to read, or a reason to end.
+bool LineReader::isEndReached()
+{
+    if (m_endDescriptor < 0) {
+        return false;
+    }
+    pollfd files[] = {{m_endDescriptor, POLLIN, 0}, {m_file, POLLIN, 0}};
+    while ((::poll(files, 2, -1) < 0) && (errno == EINTR)) {
+    }
+    return files[0].revents != 0;
+}
+
 std::string LineReader::takeLine(std::size_t length)
 {
     std::string line = m_buffer.substr(m_begin, length);
     ++m_lineNumber;
     if (line.find('\0') != std::string::npos) {
-        throw CommandError(m_name + ":" + std::to_string(m_lineNumber) + ": the line contains a NUL byte");
+        throwAtLine("the line contains a NUL byte");
     }
     if (!line.empty() && (line.back() == '\r')) {
         line.pop_back();
     }
-    constexpr const char* BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-    if ((m_lineNumber == 1) && (line.compare(0, 3, BYTE_ORDER_MARK) == 0)) {
-        line.erase(0, 3);
+    if ((m_lineNumber == 1) && (line.compare(0, BYTE_ORDER_MARK.size(), BYTE_ORDER_MARK) == 0)) {
+        line.erase(0, BYTE_ORDER_MARK.size());
+    }
+    if (line.size() > MAX_LINE_LENGTH) {
+        throwAtLine(tooLong());
     }
     return line;
 }
+
+void LineReader::throwAtLine(const std::string& reason) const
+{
+    throw CommandError(m_name + ":" + std::to_string(m_lineNumber) + ": " + reason);
+}
+
+}  // namespace brantel

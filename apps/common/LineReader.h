@@ -1,11 +1,17 @@
 #ifndef APPS_COMMON_LINE_READER_H
 #define APPS_COMMON_LINE_READER_H
 
-// Reads a file or standard input line by line, each line as soon as it is there, so that a live pipe works.
+// Reads a file or standard input line by line, each line as soon as it is complete, so that live pipes work.
 
 #include <cstddef>
 #include <optional>
 #include <string>
+
+#include <unistd.h>
+
+#include "common/FileDescriptor.h"
+
+namespace brantel {
 
 class LineReader {
 public:
@@ -14,29 +20,42 @@ public:
 
     /// Opens `path`; "-" is standard input. Throws CommandError.
     explicit LineReader(const std::string& path);
-    ~LineReader();
-    LineReader(const LineReader&) = delete;
-    LineReader& operator=(const LineReader&) = delete;
+
+    /// Reads from a descriptor, which stays open; `name` is the name of the input in messages.
+    LineReader(int file, const std::string& name);
+
+    /// Ends the input also when `descriptor` becomes readable; an incomplete line is dropped then.
+    void endAt(int descriptor) { m_endDescriptor = descriptor; }
+
+    /// Whether that has happened.
+    bool wasEnded() const { return m_wasEnded; }
 
     /// The next line without its end, LF or CRLF; nothing after the last one. A byte order mark before the first line
-    /// is left out. Throws CommandError when reading fails, for a line that is too long and for a NUL byte.
+    /// is skipped. Throws CommandError when reading fails, for a line that is too long and for a NUL byte.
     std::optional<std::string> next();
 
     /// The number of the line that next returned last, from 1.
     std::size_t lineNumber() const { return m_lineNumber; }
 
-    /// What to call the input in messages.
+    /// The name of the input in messages.
     const std::string& name() const { return m_name; }
 
 private:
     bool fill();
+    bool isEndReached();
     std::string takeLine(std::size_t length);
+    [[noreturn]] void throwAtLine(const std::string& reason) const;
 
-    int m_file = 0;  ///< standard input, unless a file is opened
+    FileDescriptor m_opened;  ///< the file, if the reader has opened it
+    int m_file = STDIN_FILENO;
     std::string m_name;
     std::string m_buffer;
-    std::size_t m_begin = 0;  ///< of what is still to be taken from the buffer
+    std::size_t m_begin = 0;  ///< of the unread part of the buffer
     std::size_t m_lineNumber = 0;
+    int m_endDescriptor = -1;
+    bool m_wasEnded = false;
 };
+
+}  // namespace brantel
 
 #endif

@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+namespace brantel {
 namespace {
 
 constexpr auto REDRAW_INTERVAL = std::chrono::milliseconds(100);
@@ -12,7 +13,7 @@ constexpr auto REDRAW_INTERVAL = std::chrono::milliseconds(100);
 }  // namespace
 
 ProgressBar::ProgressBar(const std::string& unit, std::optional<std::size_t> total)
-    : m_unit(unit), m_total(total), m_isShown(isatty(STDERR_FILENO) != 0)
+    : m_unit(unit), m_total(total), m_isShown(::isatty(STDERR_FILENO) != 0)
 {
 }
 
@@ -51,3 +52,5 @@ std::string progressText(std::size_t done, std::optional<std::size_t> total, con
     return "[" + std::string(nMarks, '#') + std::string(WIDTH - nMarks, ' ') + "] " +
            std::string(3 - std::min<std::size_t>(percent.size(), 3), ' ') + percent + " %  " + count;
 }
+
+}  // namespace brantel

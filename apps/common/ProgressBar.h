@@ -1,24 +1,26 @@
 #ifndef APPS_COMMON_PROGRESS_BAR_H
 #define APPS_COMMON_PROGRESS_BAR_H
 
-// How far a long operation is, on standard error if that is a terminal; nothing otherwise.
+// The progress of a long operation, on standard error if that is a terminal.
 
 #include <chrono>
 #include <cstddef>
 #include <optional>
 #include <string>
 
+namespace brantel {
+
 class ProgressBar {
 public:
-    /// `total` is how many steps there will be, if that is known; `unit` is what a step is called.
+    /// `total` is the number of steps, if it is known; `unit` is the plural of a step's name.
     ProgressBar(const std::string& unit, std::optional<std::size_t> total);
 
-    /// Takes the bar away.
+    /// Removes the bar.
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// One step more. Redraws a few times a second.
+    /// Counts a step. Redraws a few times per second.
     void step();
 
 private:
@@ -33,5 +35,7 @@ private:
 
 /// The bar as a text of one line: "[#####     ]  50 %  50000 rows".
 std::string progressText(std::size_t done, std::optional<std::size_t> total, const std::string& unit);
+
+}  // namespace brantel
 
 #endif

@@ -1,6 +1,5 @@
 #include "common/ResultOutput.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -11,12 +10,13 @@
 
 #include "common/CommandLine.h"
 
+namespace brantel {
 namespace {
 
 bool isRegularFile(int file)
 {
     struct stat status = {};
-    return (fstat(file, &status) == 0) && S_ISREG(status.st_mode);
+    return (::fstat(file, &status) == 0) && S_ISREG(status.st_mode);
 }
 
 bool isSet(const char* variable)
@@ -75,28 +75,9 @@ std::string ResultOutput::coloured(Colour colour, const std::string& text) const
     return start + text + "\x1b[0m";
 }
 
-std::string printable(const std::string& text)
-{
-    std::string result = text;
-    for (char& character : result) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '\t') {
-            character = ' ';
-        } else if ((byte < 0x20) || (byte == 0x7F)) {
-            character = '?';
-        }
-    }
-    return result;
-}
-
 std::string counted(std::uint64_t count, const std::string& noun)
 {
     return std::to_string(count) + " " + noun + ((count == 1) ? "" : "s");
 }
 
-std::size_t characterCount(const std::string& text, std::size_t length)
-{
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(length, text.size()));
-    const auto isNoContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; };
-    return static_cast<std::size_t>(std::count_if(text.begin(), end, isNoContinuation));
-}
+}  // namespace brantel

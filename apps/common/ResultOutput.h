@@ -1,12 +1,12 @@
 #ifndef APPS_COMMON_RESULT_OUTPUT_H
 #define APPS_COMMON_RESULT_OUTPUT_H
 
-// Results on standard output, line by line. What goes into anything but a file is written at once, so that a reader of
-// a pipe sees each line when it happens.
+// Results on standard output, line by line. Anything but a file gets each line at once, for readers of live pipes.
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
+
+namespace brantel {
 
 enum class Colour { GREEN, RED, DIM };
 
@@ -20,11 +20,10 @@ public:
     /// Writes `text` as it is, for a terminal. Throws CommandError.
     void writeText(const std::string& text);
 
-    /// Writes what is still buffered; before anything else is written, and last. Throws CommandError.
+    /// Writes what is still buffered. Call it last. Throws CommandError.
     void finish();
 
-    /// `text` in a colour, if results are read by a person: standard output is a terminal that knows colours, and
-    /// NO_COLOR is not set.
+    /// `text` in a colour, if standard output is a terminal with colours and NO_COLOR is not set.
     std::string coloured(Colour colour, const std::string& text) const;
 
 private:
@@ -32,13 +31,9 @@ private:
     bool m_isColoured;
 };
 
-/// A text of unknown origin, fit for a terminal: every control character is shown as one visible character.
-std::string printable(const std::string& text);
-
 /// "1 sample", "2 samples".
 std::string counted(std::uint64_t count, const std::string& noun);
 
-/// How many characters the first `length` bytes of a UTF-8 text are.
-std::size_t characterCount(const std::string& text, std::size_t length);
+}  // namespace brantel
 
 #endif

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "common/PrintableText.h"
+
+namespace brantel {
 namespace {
 
 std::size_t widthOf(const std::string& text)
@@ -11,31 +14,55 @@ std::size_t widthOf(const std::string& text)
 
 }  // namespace
 
-TextTable::TextTable(const std::vector<TextColumn>& columns) : m_columns(columns)
+TextLayout::TextLayout(const std::vector<TextColumn>& columns) : m_columns(columns)
 {
     for (const TextColumn& column : columns) {
         m_widths.push_back(widthOf(column.title));
     }
 }
 
-void TextTable::addRow(const std::vector<std::string>& texts, std::optional<Colour> colour)
+void TextLayout::measure(const std::vector<std::string>& texts)
 {
-    m_rows.push_back({{}, colour});
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        m_rows.back().texts.push_back(printable(texts[i]));
         m_widths[i] = std::max(m_widths[i], widthOf(texts[i]));
     }
 }
 
-std::vector<std::string> TextTable::lines() const
+std::string TextLayout::titleLine() const
 {
     std::vector<std::string> titles;
     for (const TextColumn& column : m_columns) {
         titles.push_back(column.title);
     }
-    std::vector<std::string> lines = {lineOf(titles)};
+    return lineOf(titles);
+}
+
+std::string TextLayout::lineOf(const std::vector<std::string>& texts) const
+{
+    std::string line;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const std::string text = printable(texts[i]);
+        const std::string padding(m_widths[i] - widthOf(texts[i]), ' ');
+        line += (i == 0) ? "" : "  ";
+        line += (m_columns[i].alignment == Alignment::RIGHT) ? padding + text : text + padding;
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+TextTable::TextTable(const std::vector<TextColumn>& columns) : m_layout(columns) {}
+
+void TextTable::addRow(const std::vector<std::string>& texts, std::optional<Colour> colour)
+{
+    m_layout.measure(texts);
+    m_rows.push_back({texts, colour});
+}
+
+std::vector<std::string> TextTable::lines() const
+{
+    std::vector<std::string> lines = {m_layout.titleLine()};
     for (const Row& row : m_rows) {
-        lines.push_back(lineOf(row.texts));
+        lines.push_back(m_layout.lineOf(row.texts));
     }
     return lines;
 }
@@ -50,14 +77,4 @@ void TextTable::write(ResultOutput& output) const
     }
 }
 
-std::string TextTable::lineOf(const std::vector<std::string>& texts) const
-{
-    std::string line;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        const std::string padding(m_widths[i] - widthOf(texts[i]), ' ');
-        line += (i == 0) ? "" : "  ";
-        line += (m_columns[i].alignment == Alignment::RIGHT) ? padding + texts[i] : texts[i] + padding;
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line;
-}
+}  // namespace brantel

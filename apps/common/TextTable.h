@@ -1,7 +1,7 @@
 #ifndef APPS_COMMON_TEXT_TABLE_H
 #define APPS_COMMON_TEXT_TABLE_H
 
-// Rows of texts for a terminal, in columns as wide as what is in them.
+// Rows of texts for a terminal, in columns as wide as their content.
 
 #include <optional>
 #include <string>
@@ -9,11 +9,31 @@
 
 #include "common/ResultOutput.h"
 
+namespace brantel {
+
 enum class Alignment { LEFT, RIGHT };
 
 struct TextColumn {
     std::string title;
     Alignment alignment;
+};
+
+/// The layout of such rows, for tables that are too long to be kept: every row is measured first and formatted later.
+class TextLayout {
+public:
+    explicit TextLayout(const std::vector<TextColumn>& columns);
+
+    /// Makes the columns wide enough for a row.
+    void measure(const std::vector<std::string>& texts);
+
+    std::string titleLine() const;
+
+    /// One text for each column; control characters are shown as by printable().
+    std::string lineOf(const std::vector<std::string>& texts) const;
+
+private:
+    std::vector<TextColumn> m_columns;
+    std::vector<std::size_t> m_widths;
 };
 
 class TextTable {
@@ -35,11 +55,10 @@ private:
         std::optional<Colour> colour;
     };
 
-    std::string lineOf(const std::vector<std::string>& texts) const;
-
-    std::vector<TextColumn> m_columns;
-    std::vector<std::size_t> m_widths;
+    TextLayout m_layout;
     std::vector<Row> m_rows;
 };
+
+}  // namespace brantel
 
 #endif

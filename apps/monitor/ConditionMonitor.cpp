@@ -1,6 +1,6 @@
 #include "monitor/ConditionMonitor.h"
 
-#include <algorithm>
+#include <iterator>
 
 #include "EventMgmtRulesParsing.h"
 #include "cards/ResultText.h"
@@ -8,6 +8,7 @@
 #include "rules/RuleReason.h"
 #include "rules/RuleText.h"
 
+namespace brantel {
 namespace {
 
 std::optional<RuleSession> sessionOf(const std::string& rule)
@@ -19,11 +20,9 @@ std::optional<RuleSession> sessionOf(const std::string& rule)
     return RuleSession(parsed, isUnsignedRule(rule));
 }
 
-Event conditionEvent(const RuleKey& key, bool isRaised, const std::string& condition, EventTime now)
+Event& addConditionEvent(const EventSink& sink, const RuleKey& key, bool isRaised, const std::string& condition)
 {
-    Event event;
-    event.time = now;
-    event.kind = isRaised ? EventKind::RAISED : EventKind::CLEARED;
+    Event& event = sink.add(isRaised ? EventKind::RAISED : EventKind::CLEARED);
     event.place = key.place;
     event.oid = key.oid;
     event.rule = key.rule;
@@ -31,48 +30,42 @@ Event conditionEvent(const RuleKey& key, bool isRaised, const std::string& condi
     return event;
 }
 
-// Sets `failure`, and tells of a change from none or to none. One failure that takes the place of another is none.
+// Sets `failure`, and reports a change from none or to none. One failure in place of another is not an event.
 void setFailure(const Place& place, std::optional<std::uint32_t> oid, std::string& failure, const std::string& reason,
-                EventTime now, std::vector<Event>& events)
+                const EventSink& sink)
 {
     if (failure.empty() != reason.empty()) {
-        Event event;
-        event.time = now;
-        event.kind = reason.empty() ? EventKind::ANSWERS : EventKind::FAILED;
+        Event& event = sink.add(reason.empty() ? EventKind::RECOVERED : EventKind::FAILED);
         event.place = place;
         event.oid = oid;
-        event.why = reason.empty() ? "again, after: " + failure : reason;
-        events.push_back(event);
+        event.reason = reason.empty() ? "after: " + failure : reason;
     }
     failure = reason;
 }
 
-// Why a rule that was followed is not in the book any more.
-std::string reasonOfAbsence(const RuleBook& book, const Place& place, std::uint32_t oid)
+// Why a rule that was followed is no longer in the rule set.
+std::string reasonOfAbsence(const RuleSet& ruleSet, const Place& place, std::uint32_t oid)
 {
-    if (book.unservedPlaces.count(place) != 0) {
-        return placeText(place) + " is not served any more";
+    if (ruleSet.unservedPlaces.count(place) != 0) {
+        return placeText(place) + " is no longer served";
     }
-    if (book.enabledPlaces.count(place) == 0) {
-        return "events of " + placeText(place) + " are not enabled any more";
+    if (ruleSet.enabledPlaces.count(place) == 0) {
+        return "events of " + placeText(place) + " are no longer enabled";
     }
-    if (book.ignored.count({place, oid}) != 0) {
-        return "events of the object are ignored now";
+    if (ruleSet.ignored.count({place, oid}) != 0) {
+        return "the object's events are now ignored";
     }
-    return "the rule is not in the database any more";
+    return "the rule is no longer in the database";
 }
 
-// Clears what is raised of a rule that goes.
-void clearConditions(const RuleKey& key, const RuleSession& session, const std::string& why, EventTime now,
-                     std::vector<Event>& events)
+// Clears the raised conditions of a rule that goes.
+void clearConditions(const RuleKey& key, const RuleSession& session, const std::string& reason, const EventSink& sink)
 {
-    const std::vector<std::string> conditions = session.conditionNames();
-    for (std::size_t i = 0; i < conditions.size(); ++i) {
-        if (session.memory().isRaised[i]) {
-            Event event = conditionEvent(key, false, conditions[i], now);
+    for (const ConditionState& condition : session.states()) {
+        if (condition.isRaised) {
+            Event& event = addConditionEvent(sink, key, false, condition.name);
             event.previousValue = session.memory().previousSample;
-            event.why = why;
-            events.push_back(event);
+            event.reason = reason;
         }
     }
 }
@@ -91,7 +84,7 @@ bool ConditionMonitor::restoreRule(const RuleKey& key, const RuleMemory& memory)
         return false;
     }
     session->setMemory(memory);
-    m_places[key.place].objects[key.oid].rules.push_back({key.rule, *session});
+    m_places[key.place].objects[key.oid].rules.insert_or_assign(key.rule, *session);
     return true;
 }
 
@@ -100,128 +93,119 @@ void ConditionMonitor::restoreFailure(const Place& place, std::optional<std::uin
     (oid ? m_places[place].objects[*oid].failure : m_places[place].failure) = failure;
 }
 
-void ConditionMonitor::follow(const RuleBook& book, EventTime now, Events& events)
+void ConditionMonitor::follow(const RuleSet& ruleSet, const EventSink& sink)
 {
-    dropRulesWithout(book, now, events);
-    for (const RuleKey& key : book.rules) {
-        if (findRule(key) == nullptr) {
+    dropRulesWithout(ruleSet, sink);
+    for (const RuleKey& key : ruleSet.rules) {
+        if (!hasRule(key)) {
             restoreRule(key, RuleMemory());
         }
     }
-    for (const RefusedRow& refused : book.refusedRows) {
+    for (const RefusedRow& refused : ruleSet.refusedRows) {
         if (m_refusedRows.count(refused) == 0) {
-            Event event;
-            event.time = now;
-            event.kind = EventKind::REFUSED;
-            event.why = refused.table + ", row " + std::to_string(refused.row) + ": " + refused.reason;
-            events.push_back(event);
+            sink.add(EventKind::REFUSED).reason =
+                refused.table + ", row " + std::to_string(refused.row) + ": " + refused.reason;
         }
     }
-    m_refusedRows = book.refusedRows;
+    m_refusedRows = ruleSet.refusedRows;
 }
 
-WatchedRule* ConditionMonitor::findRule(const RuleKey& key)
+bool ConditionMonitor::hasRule(const RuleKey& key) const
 {
     const auto place = m_places.find(key.place);
     if (place == m_places.end()) {
-        return nullptr;
+        return false;
     }
     const auto object = place->second.objects.find(key.oid);
-    if (object == place->second.objects.end()) {
-        return nullptr;
-    }
-    std::vector<WatchedRule>& rules = object->second.rules;
-    const auto rule =
-        std::find_if(rules.begin(), rules.end(), [&](const WatchedRule& each) { return each.text == key.rule; });
-    return (rule == rules.end()) ? nullptr : &*rule;
+    return (object != place->second.objects.end()) && (object->second.rules.count(key.rule) != 0);
 }
 
-void ConditionMonitor::dropRulesWithout(const RuleBook& book, EventTime now, Events& events)
+void ConditionMonitor::dropRulesWithout(const RuleSet& ruleSet, const EventSink& sink)
 {
     for (auto place = m_places.begin(); place != m_places.end();) {
         auto& objects = place->second.objects;
         for (auto object = objects.begin(); object != objects.end();) {
-            const auto isGone = [&](const WatchedRule& rule) {
-                const RuleKey key{place->first, object->first, rule.text};
-                if (book.rules.count(key) != 0) {
-                    return false;
+            auto& rules = object->second.rules;
+            for (auto rule = rules.begin(); rule != rules.end();) {
+                const RuleKey key{place->first, object->first, rule->first};
+                if (ruleSet.rules.count(key) != 0) {
+                    ++rule;
+                } else {
+                    clearConditions(key, rule->second, reasonOfAbsence(ruleSet, key.place, key.oid), sink);
+                    rule = rules.erase(rule);
                 }
-                clearConditions(key, rule.session, reasonOfAbsence(book, key.place, key.oid), now, events);
-                return true;
-            };
-            std::vector<WatchedRule>& rules = object->second.rules;
-            rules.erase(std::remove_if(rules.begin(), rules.end(), isGone), rules.end());
+            }
             object = rules.empty() ? objects.erase(object) : std::next(object);
         }
         place = objects.empty() ? m_places.erase(place) : std::next(place);
     }
 }
 
-void ConditionMonitor::takeReading(const Place& place, const Reading& reading, EventTime now, Events& events)
+void ConditionMonitor::takeReading(const Place& place, const Reading& reading, const EventSink& sink)
 {
     const auto found = m_places.find(place);
     if (found == m_places.end()) {
         return;
     }
     if (reading.values.empty() && !reading.failures.empty()) {
-        takeFailure(place, describeResult(reading.failures.begin()->second), now, events);
+        takeFailure(place, resultText(reading.failures.begin()->second), sink);
         return;
     }
-    setFailure(place, std::nullopt, found->second.failure, "", now, events);
+    setFailure(place, std::nullopt, found->second.failure, "", sink);
     for (auto& [oid, object] : found->second.objects) {
-        const std::string failure = takeValue(place, oid, object, reading, now, events);
-        setFailure(place, oid, object.failure, failure, now, events);
+        const std::string failure = takeValue(place, oid, object, reading, sink);
+        setFailure(place, oid, object.failure, failure, sink);
     }
 }
 
-void ConditionMonitor::takeFailure(const Place& place, const std::string& reason, EventTime now, Events& events)
+void ConditionMonitor::takeFailure(const Place& place, const std::string& reason, const EventSink& sink)
 {
     const auto found = m_places.find(place);
     if (found != m_places.end()) {
-        setFailure(place, std::nullopt, found->second.failure, reason, now, events);
+        setFailure(place, std::nullopt, found->second.failure, reason, sink);
     }
 }
 
-// Returns why the object could not be evaluated, wholly or in part. The reason does not name the value: as long as it
-// stays the same, the failure does.
+// Returns why the object could not be evaluated, entirely or in part. The reason does not name the value, so that it is
+// the same for as long as the failure lasts.
 std::string ConditionMonitor::takeValue(const Place& place, std::uint32_t oid, WatchedObject& object,
-                                        const Reading& reading, EventTime now, Events& events)
+                                        const Reading& reading, const EventSink& sink)
 {
     const auto value = reading.values.find(oid);
     if (value == reading.values.end()) {
         const auto failure = reading.failures.find(oid);
-        // An object whose rule came while the reading was under way was not asked for.
-        return (failure == reading.failures.end()) ? object.failure : describeResult(failure->second);
+        // The object was not requested if its rule came while the reading was under way.
+        return (failure == reading.failures.end()) ? object.failure : resultText(failure->second);
     }
     const std::optional<SampleValue> sample = sampleOfValue(value->second);
     if (!sample) {
         return "its value is not a number";
     }
     std::string failure;
-    for (WatchedRule& rule : object.rules) {
-        const SampleRange range = sampleRange(rule.session.isUnsigned());
+    for (auto& rule : object.rules) {
+        const SampleRange range = sampleRange(rule.second.isUnsigned());
         if ((*sample < range.lowest) || (*sample > range.highest)) {
-            failure = "its value is outside " + rangeText(range) + ", what '" + rule.text + "' can be asked about";
+            failure = "its value is outside " + rangeText(range) + ", the range of '" + rule.first + "'";
         } else {
-            evaluate(place, oid, rule, *sample, now, events);
+            evaluate(place, oid, rule, *sample, sink);
         }
     }
     return failure;
 }
 
-void ConditionMonitor::evaluate(const Place& place, std::uint32_t oid, WatchedRule& rule, SampleValue sample,
-                                EventTime now, Events& events)
+void ConditionMonitor::evaluate(const Place& place, std::uint32_t oid, WatchedRules::value_type& rule,
+                                SampleValue sample, const EventSink& sink)
 {
-    const std::optional<SampleValue> previousSample = rule.session.memory().previousSample;
-    const std::vector<ConditionState> states = rule.session.evaluate(sample);
+    auto& [text, session] = rule;
+    const std::optional<SampleValue> previousSample = session.memory().previousSample;
+    const std::vector<ConditionState> states = session.evaluate(sample);
     ++m_evaluations;
     for (std::size_t i = 0; i < states.size(); ++i) {
         if (states[i].hasChanged) {
-            Event event = conditionEvent({place, oid, rule.text}, states[i].isRaised, states[i].name, now);
+            Event& event = addConditionEvent(sink, {place, oid, text}, states[i].isRaised, states[i].name);
             event.value = sample;
             event.previousValue = previousSample;
-            event.why = reasonOfState(rule.session, i, previousSample.value_or(sample), sample);
-            events.push_back(event);
+            event.reason = reasonText(session, i, previousSample.value_or(sample), sample);
         }
     }
 }
@@ -237,3 +221,5 @@ ObjectIdContainer ConditionMonitor::oidsOf(const Place& place) const
     }
     return oids;
 }
+
+}  // namespace brantel

@@ -2,6 +2,7 @@
 
 #include <syslog.h>
 
+namespace brantel {
 namespace {
 
 int priorityOf(EventKind kind)
@@ -9,30 +10,34 @@ int priorityOf(EventKind kind)
     switch (kind) {
         case EventKind::RAISED: return LOG_WARNING;
         case EventKind::CLEARED:
-        case EventKind::ANSWERS: return LOG_NOTICE;
+        case EventKind::RECOVERED: return LOG_NOTICE;
         case EventKind::FAILED:
-        case EventKind::REFUSED: return LOG_ERR;
+        case EventKind::REFUSED:
+        case EventKind::LOST: return LOG_ERR;
     }
     return LOG_NOTICE;
 }
 
 }  // namespace
 
-void SyslogOutput::tell(const Event& event, const std::string&)
+void SyslogOutput::report(const Event& event)
 {
     syslog(priorityOf(event.kind), "event %llu: %s", static_cast<unsigned long long>(event.number),
-           sentenceOf(event).c_str());
+           eventText(event).c_str());
 }
 
-void LineOutput::tell(const Event& event, const std::string& line)
+void LineOutput::report(const Event& event)
 {
-    m_output.writeLine(
-        m_isJson ? line : timeText(event.time) + "  " + m_output.coloured(colourOf(event.kind), sentenceOf(event)));
-    m_output.finish();
+    const std::string text =
+        m_isJson ? eventJson(event)
+                 : utcTimeText(event.time) + "  " + m_colours.coloured(colourOf(event.kind), eventText(event));
+    m_output.put({text + "\n"});
 }
 
 Colour colourOf(EventKind kind)
 {
-    const bool isGood = (kind == EventKind::CLEARED) || (kind == EventKind::ANSWERS);
+    const bool isGood = (kind == EventKind::CLEARED) || (kind == EventKind::RECOVERED);
     return isGood ? Colour::GREEN : Colour::RED;
 }
+
+}  // namespace brantel

@@ -1,40 +1,43 @@
 #ifndef APPS_MONITOR_EVENT_OUTPUT_H
 #define APPS_MONITOR_EVENT_OUTPUT_H
 
-// Where events are told besides the journal: in syslog and on standard output.
+// Where events are reported apart from the journal: in syslog and on standard output.
 
-#include <string>
-
+#include "common/OutputQueue.h"
 #include "common/ResultOutput.h"
 #include "monitor/Event.h"
+
+namespace brantel {
 
 class EventOutput {
 public:
     virtual ~EventOutput() = default;
 
-    /// `line` is the event as a JSON line.
-    virtual void tell(const Event& event, const std::string& line) = 0;
+    virtual void report(const Event& event) = 0;
 };
 
-/// A line of syslog for each event, with a priority that says how bad it is.
+/// Writes a line to syslog for each event, with a priority by kind.
 class SyslogOutput : public EventOutput {
 public:
-    void tell(const Event& event, const std::string& line) override;
+    void report(const Event& event) override;
 };
 
-/// A line of standard output for each event: for people, or as JSON.
+/// Writes a line to standard output for each event: for people, or as JSON.
 class LineOutput : public EventOutput {
 public:
-    explicit LineOutput(bool isJson) : m_isJson(isJson) {}
+    LineOutput(OutputQueue& output, bool isJson) : m_output(output), m_isJson(isJson) {}
 
-    void tell(const Event& event, const std::string& line) override;
+    void report(const Event& event) override;
 
 private:
+    OutputQueue& m_output;
     const bool m_isJson;
-    ResultOutput m_output;
+    const ResultOutput m_colours;
 };
 
 /// The colour that shows the kind of an event.
 Colour colourOf(EventKind kind);
+
+}  // namespace brantel
 
 #endif

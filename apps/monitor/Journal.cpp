@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <optional>
 #include <string_view>
 #include <system_error>
 
@@ -15,12 +14,23 @@
 #include "common/ReplacedFile.h"
 #include "monitor/Event.h"
 
+namespace brantel {
 namespace {
 
 constexpr std::size_t FIRST_TAIL_SIZE = 65536;
 
 // How every line starts.
 constexpr std::string_view LINE_START = "{\"event\":";
+
+// A pipe or a device must neither block the monitor nor become its terminal.
+constexpr int OPEN_FLAGS = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+[[noreturn]] void throwCannotDo(const std::string& verb, const std::string& path)
+{
+    const std::string reason =
+        (errno == EAGAIN) ? "it is full, and its reader does not keep up" : std::generic_category().message(errno);
+    throw CommandError("cannot " + verb + " '" + path + "': " + reason);
+}
 
 bool isStartOfLine(const std::string& text)
 {
@@ -34,105 +44,193 @@ std::size_t sizeOf(int file)
     return (::fstat(file, &status) == 0) ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
+bool isRegularFile(int file)
+{
+    struct stat status = {};
+    return (::fstat(file, &status) == 0) && S_ISREG(status.st_mode);
+}
+
+bool isDevice(int file)
+{
+    struct stat status = {};
+    return (::fstat(file, &status) == 0) && S_ISCHR(status.st_mode);
+}
+
+// The end of the file: whole lines up to `wholeSize`, then a part to be removed or a line to be ended.
+struct JournalEnd {
+    std::size_t size;                   ///< of the file
+    std::size_t wholeSize;              ///< of its whole lines
+    std::size_t lineSize;               ///< of the complete line without a line end after them; 0: there is none
+    std::optional<Event> lastEvent;     ///< of the whole lines
+    std::optional<Event> unendedEvent;  ///< of the line without an end
+};
+
+// Reads the end of a journal, from as far back as needed to find a whole line.
+class EndReader {
+public:
+    EndReader(int file, const std::string& path) : m_file(file), m_path(path), m_size(sizeOf(file)) {}
+
+    JournalEnd read()
+    {
+        for (std::size_t tailSize = FIRST_TAIL_SIZE; !isEnough(); tailSize *= 2) {
+            m_tailSize = std::min(m_size, tailSize);
+            m_text = tail();
+            // A power failure may leave NULs in place of the last blocks.
+            m_text.erase(m_text.find_last_not_of('\0') + 1);
+        }
+        const std::size_t posTorn = m_text.rfind('\n') + 1;  // 0 if there is no line end
+        const std::string torn = m_text.substr(posTorn);
+        std::string lastLine = m_text.substr(0, posTorn);
+        if (!lastLine.empty()) {
+            lastLine.pop_back();
+            lastLine.erase(0, lastLine.rfind('\n') + 1);
+        }
+        JournalEnd end{m_size, m_size - m_tailSize + posTorn, 0, parseEvent(lastLine), parseEvent(torn)};
+        end.lineSize = end.unendedEvent ? torn.size() : 0;
+        const bool isAllNul = (m_tailSize > 0) && m_text.empty();
+        if (((posTorn > 0) && !end.lastEvent) || !isStartOfLine(torn) || isAllNul) {
+            throw CommandError("'" + m_path +
+                               "' is not a journal, because its last line is not an event with a number "
+                               "from 1 to " +
+                               std::to_string(MAX_EVENT_NUMBER) + ": name another file, or move this one away");
+        }
+        return end;
+    }
+
+private:
+    bool isEnough() const
+    {
+        const std::size_t posLastEnd = m_text.rfind('\n');
+        const bool hasWholeLine = (posLastEnd != std::string::npos) && (posLastEnd > 0) &&
+                                  (m_text.rfind('\n', posLastEnd - 1) != std::string::npos);
+        return (m_tailSize == m_size) || hasWholeLine;
+    }
+
+    std::string tail() const
+    {
+        std::string text(m_tailSize, '\0');
+        std::size_t done = 0;
+        while (done < m_tailSize) {
+            const ssize_t count =
+                ::pread(m_file, &text[done], m_tailSize - done, static_cast<off_t>(m_size - m_tailSize + done));
+            if ((count < 0) && (errno == EINTR)) {
+                continue;
+            }
+            if (count <= 0) {
+                throwCannotDo("read", m_path);
+            }
+            done += static_cast<std::size_t>(count);
+        }
+        return text;
+    }
+
+    const int m_file;
+    const std::string& m_path;
+    const std::size_t m_size;
+    std::size_t m_tailSize = 0;
+    std::string m_text;
+};
+
 }  // namespace
 
 Journal::Journal(const std::string& path)
-    : m_path(path), m_file(::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0644))
+    : m_path(path), m_file(::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | OPEN_FLAGS, 0644))
 {
-    if (m_file < 0) {
+    if (m_file.number() < 0) {
         throwCannot("open");
     }
-    try {
-        if (::flock(m_file, LOCK_EX | LOCK_NB) != 0) {
-            throw CommandError("'" + path + "' is in use by another monitor");
-        }
+    // A device such as /dev/null is shared.
+    if (!isDevice(m_file.number()) && (::flock(m_file.number(), LOCK_EX | LOCK_NB) != 0)) {
+        throw CommandError("'" + path + "' is in use by another monitor");
+    }
+    m_isRegular = isRegularFile(m_file.number());
+    if (m_isRegular) {
         repair();
-    } catch (const CommandError&) {
-        ::close(m_file);
-        throw;
     }
 }
 
-Journal::~Journal()
+std::uint64_t Journal::inspect(const std::string& path)
 {
-    ::close(m_file);
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | OPEN_FLAGS));
+    if ((file.number() < 0) && (errno != ENOENT)) {
+        throwCannotDo("open", path);
+    }
+    if (!isRegularFile(file.number())) {
+        return 0;
+    }
+    const JournalEnd end = EndReader(file.number(), path).read();
+    const std::optional<Event>& last = end.unendedEvent ? end.unendedEvent : end.lastEvent;
+    return last ? last->number : 0;
+}
+
+// Ends or removes an incomplete last line; finds the number of the last event.
+void Journal::repair()
+{
+    const JournalEnd end = EndReader(m_file.number(), m_path).read();
+    const std::size_t keptSize = end.wholeSize + end.lineSize;
+    if ((keptSize < end.size) && (::ftruncate(m_file.number(), static_cast<off_t>(keptSize)) != 0)) {
+        throwCannot("repair");
+    }
+    m_lastEvent = end.lastEvent ? end.lastEvent->number : 0;
+    if (end.unendedEvent) {
+        append(end.unendedEvent->number, "");
+    }
 }
 
 void Journal::append(std::uint64_t number, const std::string& line)
 {
-    const std::size_t size = sizeOf(m_file);
-    if (!writeAll(m_file, line + "\n")) {
-        const int error = errno;
-        static_cast<void>(::ftruncate(m_file, static_cast<off_t>(size)));
-        errno = error;
-        throwCannot("write");
+    const std::string text = line + "\n";
+    if (m_isRegular) {
+        appendToFile(text);
+    } else {
+        completeLine();
+        const ssize_t written = ::write(m_file.number(), text.data(), text.size());
+        if (written <= 0) {
+            throwCannot("write");
+        }
+        m_rest = text.substr(static_cast<std::size_t>(written));
     }
     m_lastEvent = number;
 }
 
+void Journal::appendToFile(const std::string& text)
+{
+    const std::size_t size = m_tornAt.value_or(sizeOf(m_file.number()));
+    if (m_tornAt && (::ftruncate(m_file.number(), static_cast<off_t>(size)) != 0)) {
+        throwCannot("repair");
+    }
+    m_tornAt.reset();
+    if (const int error = writeAll(m_file.number(), text)) {
+        if (::ftruncate(m_file.number(), static_cast<off_t>(size)) != 0) {
+            m_tornAt = size;
+        }
+        errno = error;
+        throwCannot("write");
+    }
+}
+
+void Journal::completeLine()
+{
+    while (!m_rest.empty()) {
+        const ssize_t written = ::write(m_file.number(), m_rest.data(), m_rest.size());
+        if (written <= 0) {
+            throwCannot("write");
+        }
+        m_rest.erase(0, static_cast<std::size_t>(written));
+    }
+}
+
 void Journal::synchronise()
 {
-    // EINVAL: not a file that can be synchronised, but a pipe or a device.
-    if ((::fdatasync(m_file) != 0) && (errno != EINVAL)) {
+    // EINVAL: a pipe or a device, which cannot be synchronised.
+    if ((::fdatasync(m_file.number()) != 0) && (errno != EINVAL)) {
         throwCannot("synchronise");
     }
 }
 
-// Ends the last line, or takes it away if it is not whole; finds the number of the last event.
-void Journal::repair()
-{
-    const std::size_t size = sizeOf(m_file);
-    std::size_t tailSize = std::min(size, FIRST_TAIL_SIZE);
-    std::string text = tail(tailSize);
-    const auto hasWholeLine = [&] {
-        const std::size_t posLastEnd = text.rfind('\n');
-        return (tailSize == size) || ((posLastEnd != std::string::npos) && (posLastEnd > 0) &&
-                                      (text.rfind('\n', posLastEnd - 1) != std::string::npos));
-    };
-    while (!hasWholeLine()) {
-        tailSize = std::min(size, 2 * tailSize);
-        text = tail(tailSize);
-    }
-
-    const std::size_t posTorn = text.rfind('\n') + 1;  // 0 if there is no line end
-    const std::string torn = text.substr(posTorn);
-    std::string lastLine = text.substr(0, posTorn);
-    if (!lastLine.empty()) {
-        lastLine.pop_back();
-        lastLine.erase(0, lastLine.rfind('\n') + 1);
-    }
-    const std::optional<Event> lastEvent = eventOfJsonLine(lastLine);
-    const std::optional<Event> unendedEvent = eventOfJsonLine(torn);
-    if (((posTorn > 0) && !lastEvent) || !isStartOfLine(torn)) {
-        throw CommandError("'" + m_path + "' is no journal: its last line is no event");
-    }
-    m_lastEvent = lastEvent ? lastEvent->number : 0;
-    if (unendedEvent) {
-        append(unendedEvent->number, "");
-    } else if (!torn.empty() && (::ftruncate(m_file, static_cast<off_t>(size - torn.size())) != 0)) {
-        throwCannot("repair");
-    }
-}
-
-std::string Journal::tail(std::size_t size) const
-{
-    std::string text(size, '\0');
-    const auto start = static_cast<off_t>(sizeOf(m_file) - size);
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t count = ::pread(m_file, &text[done], size - done, start + static_cast<off_t>(done));
-        if ((count < 0) && (errno == EINTR)) {
-            continue;
-        }
-        if (count <= 0) {
-            throwCannot("read");
-        }
-        done += static_cast<std::size_t>(count);
-    }
-    return text;
-}
-
 void Journal::throwCannot(const std::string& verb) const
 {
-    throw CommandError("cannot " + verb + " '" + m_path + "': " + std::generic_category().message(errno));
+    throwCannotDo(verb, m_path);
 }
+
+}  // namespace brantel

@@ -7,15 +7,17 @@
 #include <unistd.h>
 
 #include "cards/OidTable.h"
+#include "common/PrintableText.h"
 #include "common/TextTable.h"
 
+namespace brantel {
 namespace {
 
 constexpr std::size_t N_EVENTS = 8;
 
 constexpr const char* CLEARED = "cleared";
 
-// What a terminal does with these.
+// Control sequences.
 constexpr const char* SECOND_SCREEN = "\x1b[?1049h";
 constexpr const char* FIRST_SCREEN = "\x1b[?1049l";
 constexpr const char* HOME = "\x1b[H";
@@ -35,47 +37,50 @@ TerminalSize terminalSize()
     return {size.ws_col, size.ws_row};
 }
 
-std::string milliseconds(MonitorFigures::Seconds time)
+std::string milliseconds(MonitorMetrics::Seconds time)
 {
     char text[32] = "";
     static_cast<void>(std::snprintf(text, sizeof text, "%.1f ms", time.count() * 1000));
     return text;
 }
 
-std::string stateText(const WatchedRule& rule)
+std::string conditionsText(const RuleSession& session)
 {
     std::string text;
-    const std::vector<std::string> conditions = rule.session.conditionNames();
-    for (std::size_t i = 0; i < conditions.size(); ++i) {
-        if (rule.session.memory().isRaised[i]) {
-            text += (text.empty() ? "RAISED" : ",") + (conditions[i].empty() ? "" : " " + conditions[i]);
+    for (const ConditionState& condition : session.states()) {
+        if (condition.isRaised) {
+            text += (text.empty() ? "RAISED" : ",") + (condition.name.empty() ? "" : " " + condition.name);
         }
     }
     return text.empty() ? CLEARED : text;
 }
 
-std::string valueText(const WatchedRule& rule)
+std::string sampleText(const RuleSession& session)
 {
-    const std::optional<SampleValue>& sample = rule.session.memory().previousSample;
+    const std::optional<SampleValue>& sample = session.memory().previousSample;
     return sample ? std::to_string(*sample) : "-";
 }
 
-struct RuleRows {
-    std::vector<std::vector<std::string>> rows;
-    std::size_t urgent = 0;  ///< how many of them, the first ones, are raised or failing
-};
-
-// What is urgent first, so that it is seen when there is no room for all.
-RuleRows ruleRows(const ConditionMonitor& monitor)
+// At least as much of a rule as a terminal can show; rules may be far longer.
+std::string shownBeginning(const std::string& rule)
 {
-    RuleRows result;
+    constexpr std::size_t WIDEST_TERMINAL = 1024;
+    constexpr std::size_t LONGEST_CHARACTER = 4;
+    return rule.substr(0, WIDEST_TERMINAL * LONGEST_CHARACTER);
+}
+
+// Urgent rows first, so that they are visible when there is not enough room.
+LiveView::RuleRows ruleRows(const ConditionMonitor& monitor)
+{
+    LiveView::RuleRows result;
     std::vector<std::vector<std::string>> others;
     for (const auto& [place, watched] : monitor.places()) {
         for (const auto& [oid, object] : watched.objects) {
-            for (const WatchedRule& rule : object.rules) {
-                const std::string state = object.failure.empty() ? stateText(rule) : "failed: " + object.failure;
+            for (const auto& [rule, session] : object.rules) {
+                const std::string state =
+                    object.failure.empty() ? conditionsText(session) : "failed: " + object.failure;
                 auto& rows = (state == CLEARED) ? others : result.rows;
-                rows.push_back({placeText(place), nameOfOid(oid), valueText(rule), state, rule.text});
+                rows.push_back({placeText(place), objectName(oid), sampleText(session), state, shownBeginning(rule)});
             }
         }
     }
@@ -94,13 +99,13 @@ std::string cutTo(const std::string& text, std::size_t width)
     return text.substr(0, length);
 }
 
-std::string placeLine(const std::pair<const Place, WatchedPlace>& entry, const MonitorFigures& figures)
+std::string placeLine(const std::pair<const Place, WatchedPlace>& entry, const MonitorMetrics& metrics)
 {
     const auto& [place, watched] = entry;
-    const auto found = figures.places.find(place);
-    const MonitorFigures::PlaceFigures each =
-        (found == figures.places.end()) ? MonitorFigures::PlaceFigures() : found->second;
-    return placeText(place) + ": " + (watched.failure.empty() ? "answers" : "FAILED: " + watched.failure) + ", " +
+    const auto found = metrics.places.find(place);
+    const MonitorMetrics::PlaceMetrics each =
+        (found == metrics.places.end()) ? MonitorMetrics::PlaceMetrics() : found->second;
+    return placeText(place) + ": " + (watched.failure.empty() ? "ok" : "FAILED: " + watched.failure) + ", " +
            counted(watched.objects.size(), "object") + ", " + counted(each.readings, "reading") + ", last " +
            milliseconds(each.lastReading);
 }
@@ -110,58 +115,92 @@ std::string placeLine(const std::pair<const Place, WatchedPlace>& entry, const M
 LiveView::~LiveView()
 {
     if (!m_picture.empty()) {
-        static_cast<void>(std::fputs((FIRST_SCREEN + m_picture).c_str(), stdout));
-        static_cast<void>(std::fflush(stdout));
+        m_output.put({FIRST_SCREEN + m_picture});
     }
 }
 
-void LiveView::tell(const Event& event, const std::string&)
+void LiveView::report(const Event& event)
 {
     m_lastEvents.push_back(event);
+    m_lastEvents.back().rule = shownBeginning(event.rule);
     if (m_lastEvents.size() > N_EVENTS) {
         m_lastEvents.pop_front();
     }
 }
 
-void LiveView::draw(const ConditionMonitor& monitor, const MonitorFigures& figures)
+void LiveView::draw(const ConditionMonitor& monitor, const MonitorMetrics& metrics)
 {
     const TerminalSize size = terminalSize();
-    const bool isFirst = m_picture.empty();
-    m_picture.clear();
-    for (const Line& line : linesOf(monitor, figures, size.height)) {
-        const std::string text = cutTo(printable(line.text), size.width);
-        m_picture += (line.colour ? m_output.coloured(*line.colour, text) : text) + "\x1b[K\r\n";
+    if (m_picture.empty()) {
+        m_output.put({SECOND_SCREEN});
     }
-    m_output.writeText(std::string(isFirst ? SECOND_SCREEN : "") + HOME + m_picture + CLEAR_BELOW);
-    m_output.finish();
+    m_picture.clear();
+    for (const Line& line : linesOf(monitor, metrics, size.height)) {
+        const std::string text = cutTo(printable(line.text), size.width);
+        m_picture += (line.colour ? m_colours.coloured(*line.colour, text) : text) + "\x1b[K\r\n";
+    }
+    m_output.putPicture({HOME + m_picture + CLEAR_BELOW});
 }
 
-std::vector<LiveView::Line> LiveView::linesOf(const ConditionMonitor& monitor, const MonitorFigures& figures,
+std::vector<LiveView::Line> LiveView::linesOf(const ConditionMonitor& monitor, const MonitorMetrics& metrics,
                                               std::size_t height) const
 {
     std::vector<Line> lines = {
-        {"brantel monitor: cycle " + std::to_string(figures.cycles) + ", last " + milliseconds(figures.lastCycle) +
-             ", longest " + milliseconds(figures.longestCycle) + ", " + counted(figures.evaluations, "evaluation"),
+        {"brantel monitor: cycle " + std::to_string(metrics.cycles) + ", last " + milliseconds(metrics.lastCycle) +
+             ", longest " + milliseconds(metrics.longestCycle) + ", " + counted(metrics.evaluations, "evaluation"),
          {}}};
-    for (const auto& entry : monitor.places()) {
-        lines.push_back(
-            {placeLine(entry, figures), entry.second.failure.empty() ? std::nullopt : std::optional(Colour::RED)});
-    }
-    constexpr std::size_t OTHER_LINES = 5;  // two empty ones, titles, that about more rules, and where the cursor stays
-    const std::size_t reserved = lines.size() + m_lastEvents.size() + OTHER_LINES;
-    lines.push_back({});
-    addRules(lines, monitor, (height > reserved) ? height - reserved : 1);
-    lines.push_back({});
-    for (const Event& event : m_lastEvents) {
-        lines.push_back({timeText(event.time).substr(11, 8) + " " + sentenceOf(event), colourOf(event.kind)});
-    }
+    const RuleRows rules = ruleRows(monitor);
+    const std::size_t room = (height > 2) ? height - 2 : 0;  // without the first line and the cursor's
+    const std::vector<Line> places = placeLines(monitor, metrics, room, rules.urgent);
+    lines.insert(lines.end(), places.begin(), places.end());
+    addRulesAndEvents(lines, rules, room - places.size());
     return lines;
 }
 
-void LiveView::addRules(std::vector<Line>& lines, const ConditionMonitor& monitor, std::size_t room) const
+// Failing places first. If there is not enough room, raised and failing rules come before places that work.
+std::vector<LiveView::Line> LiveView::placeLines(const ConditionMonitor& monitor, const MonitorMetrics& metrics,
+                                                 std::size_t room, std::size_t urgentRules)
 {
-    const RuleRows rules = ruleRows(monitor);
-    const std::size_t shown = std::min(room, rules.rows.size());
+    std::vector<Line> lines;
+    std::vector<Line> working;
+    for (const auto& entry : monitor.places()) {
+        if (entry.second.failure.empty()) {
+            working.push_back({placeLine(entry, metrics), {}});
+        } else {
+            lines.push_back({placeLine(entry, metrics), Colour::RED});
+        }
+    }
+    const std::size_t ruleLines = urgentRules + 1;  // with the one about more rules
+    const std::size_t roomAboveRules = (room > ruleLines) ? room - ruleLines : 0;
+    const std::size_t shown = std::min(room, std::max(lines.size(), roomAboveRules));
+    lines.insert(lines.end(), working.begin(), working.end());
+    lines.resize(std::min(shown, lines.size()));
+    return lines;
+}
+
+// Events get the room that urgent rules leave; the other rules get the rest.
+void LiveView::addRulesAndEvents(std::vector<Line>& lines, const RuleRows& rules, std::size_t room) const
+{
+    constexpr std::size_t TITLES = 2;  // and an empty line before them
+    constexpr std::size_t SMALLEST_ROOM_WITH_TITLES = 5;
+    const bool hasTitles = room >= SMALLEST_ROOM_WITH_TITLES;
+    const std::size_t rows = room - (hasTitles ? TITLES : 0);
+    const std::size_t needed = std::max<std::size_t>(rules.urgent, 1) + 1;  // with the one about more rules
+    const std::size_t eventLines = std::min(m_lastEvents.size() + 1, (rows > needed) ? rows - needed : 0);
+    addRules(lines, rules, rows - eventLines, hasTitles);
+    if (eventLines > 1) {
+        lines.push_back({});
+        for (auto event = m_lastEvents.end() - static_cast<std::ptrdiff_t>(eventLines - 1); event != m_lastEvents.end();
+             ++event) {
+            lines.push_back({utcTimeText(event->time).substr(11, 8) + " " + eventText(*event), colourOf(event->kind)});
+        }
+    }
+}
+
+void LiveView::addRules(std::vector<Line>& lines, const RuleRows& rules, std::size_t room, bool hasTitles)
+{
+    const bool areAllShown = rules.rows.size() <= room;
+    const std::size_t shown = areAllShown ? rules.rows.size() : std::max<std::size_t>(room, 1) - 1;
     TextTable table({{"Place", Alignment::LEFT},
                      {"Object", Alignment::LEFT},
                      {"Value", Alignment::RIGHT},
@@ -171,11 +210,16 @@ void LiveView::addRules(std::vector<Line>& lines, const ConditionMonitor& monito
         table.addRow(rules.rows[i]);
     }
     const std::vector<std::string> texts = table.lines();
-    lines.push_back({texts.front(), Colour::DIM});
+    if (hasTitles) {
+        lines.push_back({});
+        lines.push_back({texts.front(), Colour::DIM});
+    }
     for (std::size_t i = 0; i < shown; ++i) {
         lines.push_back({texts[i + 1], (i < rules.urgent) ? std::optional(Colour::RED) : std::nullopt});
     }
-    if (shown < rules.rows.size()) {
+    if (!areAllShown && (room > 0)) {
         lines.push_back({"... and " + counted(rules.rows.size() - shown, "more rule"), Colour::DIM});
     }
 }
+
+}  // namespace brantel

@@ -1,8 +1,9 @@
 #ifndef APPS_MONITOR_LIVE_VIEW_H
 #define APPS_MONITOR_LIVE_VIEW_H
 
-// The monitor on a terminal: places, rules with their last values and states, the last events, drawn anew at each
-// cycle on the terminal's second screen. The last picture is left on the first.
+// The monitor on a terminal: places, rules with their last values and states, and the last events, redrawn in each
+// cycle on the terminal's alternate screen. The last picture stays on the normal screen. A stopped terminal (Ctrl-S)
+// gets the newest picture when it continues.
 
 #include <deque>
 #include <optional>
@@ -11,32 +12,48 @@
 
 #include "monitor/ConditionMonitor.h"
 #include "monitor/EventOutput.h"
-#include "monitor/MonitorFigures.h"
+#include "monitor/MonitorMetrics.h"
+
+namespace brantel {
 
 class LiveView : public EventOutput {
 public:
-    LiveView() = default;
+    explicit LiveView(OutputQueue& output) : m_output(output) {}
     ~LiveView() override;
     LiveView(const LiveView&) = delete;
     LiveView& operator=(const LiveView&) = delete;
 
     /// Notes an event for the next drawing.
-    void tell(const Event& event, const std::string& line) override;
+    void report(const Event& event) override;
 
-    void draw(const ConditionMonitor& monitor, const MonitorFigures& figures);
+    void draw(const ConditionMonitor& monitor, const MonitorMetrics& metrics);
 
-private:
     struct Line {
         std::string text;
         std::optional<Colour> colour;
     };
 
-    std::vector<Line> linesOf(const ConditionMonitor& monitor, const MonitorFigures& figures, std::size_t height) const;
-    void addRules(std::vector<Line>& lines, const ConditionMonitor& monitor, std::size_t room) const;
+    /// The picture for a terminal of that height, at least a line shorter. Failures and raised rules come before
+    /// everything else.
+    std::vector<Line> linesOf(const ConditionMonitor& monitor, const MonitorMetrics& metrics, std::size_t height) const;
 
-    ResultOutput m_output;
+    struct RuleRows {
+        std::vector<std::vector<std::string>> rows;
+        std::size_t urgent = 0;  ///< how many of them, the first ones, are raised or failing
+    };
+
+private:
+    static std::vector<Line> placeLines(const ConditionMonitor& monitor, const MonitorMetrics& metrics,
+                                        std::size_t room, std::size_t urgentRules);
+    void addRulesAndEvents(std::vector<Line>& lines, const RuleRows& rules, std::size_t room) const;
+    static void addRules(std::vector<Line>& lines, const RuleRows& rules, std::size_t room, bool hasTitles);
+
+    OutputQueue& m_output;
+    const ResultOutput m_colours;
     std::string m_picture;  ///< drawn last
     std::deque<Event> m_lastEvents;
 };
+
+}  // namespace brantel
 
 #endif

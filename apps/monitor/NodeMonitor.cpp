@@ -1,7 +1,7 @@
 #include "monitor/NodeMonitor.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <stdexcept>
 
 #include <poll.h>
 #include <unistd.h>
@@ -11,38 +11,40 @@
 #include "common/ReplacedFile.h"
 #include "common/ResultOutput.h"
 
+namespace brantel {
 namespace {
 
-// How long the first cycle waits for cards that are there to be connected.
+// How long the first cycle waits for the cards to connect.
 constexpr std::chrono::milliseconds CONNECT_TIME{250};
 
-// How long events wait for the readings of other slots, to be recorded together.
+// How long events wait for the readings of other slots, so that they are recorded together.
 constexpr std::chrono::milliseconds RECORD_DELAY{50};
 
-// How long readings that are under way may take when the monitor ends: after a signal, and after the last cycle.
+// How long outstanding readings may take when the monitor ends: after a signal, and after the last cycle.
 constexpr std::chrono::seconds SIGNAL_GRACE{1};
 constexpr std::chrono::seconds LAST_CYCLE_GRACE{10};
 
-// Adds the time that its life takes to a part of the cycle.
+// Adds its lifetime to a part of the cycle.
 class PartTimer {
 public:
-    PartTimer(MonitorFigures& figures, CyclePart part) : m_figures(figures), m_part(part) {}
-    ~PartTimer() { m_figures.addTo(m_part, std::chrono::steady_clock::now() - m_start); }
+    PartTimer(MonitorMetrics& metrics, CyclePart part) : m_metrics(metrics), m_part(part) {}
+    ~PartTimer() { m_metrics.addTo(m_part, std::chrono::steady_clock::now() - m_start); }
     PartTimer(const PartTimer&) = delete;
     PartTimer& operator=(const PartTimer&) = delete;
 
 private:
-    MonitorFigures& m_figures;
+    MonitorMetrics& m_metrics;
     const CyclePart m_part;
     const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
 }  // namespace
 
-NodeMonitor::NodeMonitor(const NodeMonitorOptions& options)
+NodeMonitor::NodeMonitor(const NodeMonitorOptions& options, MonitorStreams& streams)
     : m_options(options),
+      m_streams(streams),
       m_interval(std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(options.interval))),
-      m_follower(options.database, options.slots),
+      m_watcher(options.database, options.slots),
       m_recorder(options.journal, options.stateFile)
 {
     IcscClientProxy::createInstance();
@@ -50,8 +52,8 @@ NodeMonitor::NodeMonitor(const NodeMonitorOptions& options)
         addHostObjects(m_hostObjects);
         addOutputs();
         m_recorder.restore(m_monitor);
-        m_monitor.follow(*m_follower.bookIfChanged(), eventTimeNow(), m_events);
-        updateSlots();
+        m_monitor.follow(m_watcher.read(), {utcTimeNow(), m_events});
+        subscribeSlots();
     } catch (...) {
         IcscClientProxy::deleteInstance();
         throw;
@@ -67,11 +69,11 @@ void NodeMonitor::addOutputs()
 {
     m_recorder.addOutput(std::make_unique<SyslogOutput>());
     if (!m_options.isJson && (::isatty(STDOUT_FILENO) != 0)) {
-        auto pView = std::make_unique<LiveView>();
+        auto pView = std::make_unique<LiveView>(m_streams.output());
         m_pView = pView.get();
         m_recorder.addOutput(std::move(pView));
     } else {
-        m_recorder.addOutput(std::make_unique<LineOutput>(m_options.isJson));
+        m_recorder.addOutput(std::make_unique<LineOutput>(m_streams.output(), m_options.isJson));
     }
 }
 
@@ -80,7 +82,7 @@ void NodeMonitor::run()
     waitForCards();
     startCycle();
     while (!isOver()) {
-        waitForSomething();
+        waitForInput();
         handleSignals();
         handleAnswers();
         takeCompleteReadings();
@@ -89,7 +91,7 @@ void NodeMonitor::run()
             startCycle();
         }
     }
-    endCycle();  // what is still under way counts as never read
+    endCycle();  // outstanding readings count as never made
     m_recorder.finish(m_monitor);
 }
 
@@ -105,7 +107,7 @@ void NodeMonitor::waitForCards()
     }
 }
 
-void NodeMonitor::waitForSomething()
+void NodeMonitor::waitForInput()
 {
     pollfd descriptors[] = {{m_component.fileDescriptor(), POLLIN, 0}, {m_signals.descriptor(), POLLIN, 0}};
     const auto wait = std::max<Clock::duration>(nextWakeUp() - Clock::now(), Clock::duration::zero());
@@ -117,7 +119,7 @@ void NodeMonitor::waitForSomething()
     const Clock::time_point start = Clock::now();
     static_cast<void>(::ppoll(descriptors, 2, &timeout, nullptr));
     if (isForAnswers) {
-        m_figures.addTo(CyclePart::WAIT, Clock::now() - start);
+        m_metrics.addTo(CyclePart::WAIT, Clock::now() - start);
     }
 }
 
@@ -141,10 +143,10 @@ void NodeMonitor::handle(int signal)
 {
     switch (signal) {
         case SIGHUP:
-            m_follower.forget();
+            m_watcher.forget();
             m_recorder.releaseJournal();
             break;
-        case SIGUSR1: static_cast<void>(std::fputs(prometheusText(m_figures, m_monitor).c_str(), stderr)); break;
+        case SIGUSR1: m_streams.diagnostics().put({prometheusText(m_metrics, m_monitor)}); break;
         default: m_endBy = m_endBy ? Clock::now() : Clock::now() + SIGNAL_GRACE; break;
     }
 }
@@ -162,71 +164,96 @@ void NodeMonitor::handleAnswers()
     const std::chrono::nanoseconds decodedBefore = decodingTime();
     m_component.dispatch(std::chrono::milliseconds(0));
     const std::chrono::nanoseconds decoding = decodingTime() - decodedBefore;
-    m_figures.addTo(CyclePart::DECODE, decoding);
-    m_figures.addTo(CyclePart::RECEIVE, Clock::now() - start - decoding);
+    m_metrics.addTo(CyclePart::DECODE, decoding);
+    m_metrics.addTo(CyclePart::RECEIVE, Clock::now() - start - decoding);
 }
 
 void NodeMonitor::startCycle()
 {
     endCycle();
     const Clock::time_point now = Clock::now();
-    const bool isLate = (m_figures.cycles > 0) && (now >= m_cycleStart + 2 * m_interval);
-    m_figures.lateCycles += std::uint64_t{isLate};
-    m_cycleStart = ((m_figures.cycles > 0) && !isLate) ? m_cycleStart + m_interval : now;
-    ++m_figures.cycles;
+    const bool isLate = (m_metrics.cycles > 0) && (now >= m_cycleStart + 2 * m_interval);
+    m_metrics.lateCycles += std::uint64_t{isLate};
+    m_cycleStart = ((m_metrics.cycles > 0) && !isLate) ? m_cycleStart + m_interval : now;
+    ++m_metrics.cycles;
     followDatabase();
+    const std::string fault = subscriptionFault();
     for (const auto& [place, watched] : m_monitor.places()) {
-        if (place.kind == Place::Kind::SLOT) {
-            poll(place, m_slots.at(place.number));
-        } else {
+        const auto slot = m_slots.find(place.number);
+        if (place.kind != Place::Kind::SLOT) {
             readHost(place);
+        } else if (slot == m_slots.end()) {
+            takeFailure(place, fault);
+        } else {
+            poll(place, slot->second);
         }
     }
-    if (m_figures.cycles == m_options.cycles) {
+    if (m_metrics.cycles == m_options.cycles) {
         m_endBy = Clock::now() + LAST_CYCLE_GRACE;
     }
 }
 
 void NodeMonitor::followDatabase()
 {
-    const PartTimer timer(m_figures, CyclePart::DATABASE);
+    const PartTimer timer(m_metrics, CyclePart::DATABASE);
     try {
-        if (const std::optional<RuleBook> book = m_follower.bookIfChanged()) {
-            m_monitor.follow(*book, eventTimeNow(), m_events);
-            updateSlots();
+        if (const std::optional<RuleSet> ruleSet = m_watcher.readIfChanged()) {
+            m_monitor.follow(*ruleSet, {utcTimeNow(), m_events});
+            updateOids();
         }
         m_databaseNotice.set("");
     } catch (const sql::Error& error) {
-        m_databaseNotice.set(error.what() + std::string("; the rules stay as they are"));
+        m_databaseNotice.set(error.what() + std::string("; the rules do not change"));
     }
 }
 
-// Once subscribed a slot stays so until the client is deleted, also without objects to read.
-void NodeMonitor::updateSlots()
+// A slot stays subscribed until the client is deleted, even without objects to read. Throws std::system_error if there
+// are too few descriptors.
+void NodeMonitor::subscribeSlots()
 {
     for (const auto& [place, watched] : m_monitor.places()) {
-        if (place.kind == Place::Kind::SLOT) {
+        if ((place.kind == Place::Kind::SLOT) && (m_slots.count(place.number) == 0)) {
             m_slots.try_emplace(place.number, place.number, m_component);
+            updateOids();
         }
     }
+}
+
+// Why not all slots are subscribed; empty if they are. Each cycle tries the others again.
+std::string NodeMonitor::subscriptionFault()
+{
+    try {
+        subscribeSlots();
+        return "";
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+}
+
+void NodeMonitor::updateOids()
+{
     for (auto& [number, slot] : m_slots) {
         slot.setOids(m_monitor.oidsOf(slotPlace(number)));
     }
 }
 
+void NodeMonitor::takeFailure(const Place& place, const std::string& reason)
+{
+    ++m_metrics.places[place].failures;
+    m_monitor.takeFailure(place, reason, {utcTimeNow(), m_events});
+    m_unrecordedSince = m_unrecordedSince.value_or(Clock::now());
+}
+
 void NodeMonitor::poll(const Place& place, PolledSlot& slot)
 {
-    const PartTimer timer(m_figures, CyclePart::SEND);
+    const PartTimer timer(m_metrics, CyclePart::SEND);
     const Clock::time_point now = Clock::now();
-    MonitorFigures::PlaceFigures& figures = m_figures.places[place];
     if (slot.isReading()) {
-        ++figures.skipped;
-    } else if (slot.isReachable(now)) {
+        ++m_metrics.places[place].skipped;
+    } else if (slot.isConnected()) {
         slot.start(now);
     } else {
-        ++figures.failures;
-        m_monitor.takeFailure(place, "nobody serves the slot", eventTimeNow(), m_events);
-        m_unrecordedSince = m_unrecordedSince.value_or(now);
+        takeFailure(place, slot.reasonOfAbsence());
     }
 }
 
@@ -235,21 +262,21 @@ void NodeMonitor::readHost(const Place& place)
     Reading reading;
     const Clock::time_point start = Clock::now();
     {
-        const PartTimer timer(m_figures, CyclePart::HOST);
+        const PartTimer timer(m_metrics, CyclePart::HOST);
         for (const std::uint32_t oid : m_monitor.oidsOf(place)) {
             const auto object = m_hostObjects.find(oid);
             if (object == m_hostObjects.end()) {
-                reading.failures[oid] = RESULT_WRONG_OID;
+                reading.failures[oid] = icsc::RESULT_WRONG_OID;
             } else {
                 reading.values[oid] = {object->second.type, object->second.read()};
             }
         }
     }
-    MonitorFigures::PlaceFigures& figures = m_figures.places[place];
-    ++figures.readings;
-    figures.lastReading = Clock::now() - start;
-    const PartTimer timer(m_figures, CyclePart::EVALUATE);
-    m_monitor.takeReading(place, reading, eventTimeNow(), m_events);
+    MonitorMetrics::PlaceMetrics& metrics = m_metrics.places[place];
+    ++metrics.readings;
+    metrics.lastReading = Clock::now() - start;
+    const PartTimer timer(m_metrics, CyclePart::EVALUATE);
+    m_monitor.takeReading(place, reading, {utcTimeNow(), m_events});
     m_unrecordedSince = m_unrecordedSince.value_or(start);
 }
 
@@ -268,13 +295,13 @@ void NodeMonitor::takeCompleteReadings()
 void NodeMonitor::takeReading(const Place& place, PolledSlot& slot)
 {
     const Clock::time_point now = Clock::now();
-    MonitorFigures::PlaceFigures& figures = m_figures.places[place];
-    figures.lastReading = now - slot.startTime();
-    const Reading& reading = slot.take();
-    ++figures.readings;
-    figures.failures += std::uint64_t{reading.values.empty()};
-    const PartTimer timer(m_figures, CyclePart::EVALUATE);
-    m_monitor.takeReading(place, reading, eventTimeNow(), m_events);
+    MonitorMetrics::PlaceMetrics& metrics = m_metrics.places[place];
+    metrics.lastReading = now - slot.startTime();
+    const Reading& reading = slot.takeReading();
+    ++metrics.readings;
+    metrics.failures += std::uint64_t{reading.values.empty()};
+    const PartTimer timer(m_metrics, CyclePart::EVALUATE);
+    m_monitor.takeReading(place, reading, {utcTimeNow(), m_events});
     m_unrecordedSince = m_unrecordedSince.value_or(now);
 }
 
@@ -292,38 +319,43 @@ void NodeMonitor::recordWhenDue()
 
 void NodeMonitor::record()
 {
-    const PartTimer timer(m_figures, CyclePart::RECORD);
+    const PartTimer timer(m_metrics, CyclePart::RECORD);
     m_recorder.record(m_events, m_monitor);
     for (const Event& event : m_events) {
-        ++m_figures.events[static_cast<std::size_t>(event.kind)];
+        ++m_metrics.events[static_cast<std::size_t>(event.kind)];
     }
     m_events.clear();
     m_unrecordedSince.reset();
     m_lastRecord = Clock::now();
 }
 
-// Records what is left, so that nothing is read again before, and counts the cycle.
+// Records the rest, before anything is read again, and counts the cycle.
 void NodeMonitor::endCycle()
 {
     takeCompleteReadings();
     if (m_unrecordedSince || !m_events.empty()) {
         record();
     }
-    if (m_lastRecord && (m_figures.cycles > 0)) {
-        m_figures.lastCycle = *m_lastRecord - m_cycleStart;
-        m_figures.longestCycle = std::max(m_figures.longestCycle, m_figures.lastCycle);
-        m_figures.cycleTime += m_figures.lastCycle;
+    if (m_lastRecord && (m_metrics.cycles > 0)) {
+        m_metrics.lastCycle = *m_lastRecord - m_cycleStart;
+        m_metrics.longestCycle = std::max(m_metrics.longestCycle, m_metrics.lastCycle);
+        m_metrics.cycleTime += m_metrics.lastCycle;
         m_lastRecord.reset();
     }
-    m_figures.evaluations = m_monitor.evaluations();
-    m_figures.requests = 0;
+    m_metrics.evaluations = m_monitor.evaluations();
+    m_metrics.requests = 0;
     for (const auto& [number, slot] : m_slots) {
-        m_figures.requests += slot.requestsSent();
+        m_metrics.requests += slot.requestsMade();
     }
+    m_metrics.waitingEvents = m_recorder.waitingEvents();
+    m_metrics.lostEvents = m_recorder.lostEvents();
+    m_metrics.journalFailing = m_recorder.journalFailing();
+    m_metrics.stateFailing = m_recorder.stateFailing();
     writeMetrics();
-    if ((m_pView != nullptr) && (m_figures.cycles > 0)) {
-        m_pView->draw(m_monitor, m_figures);
+    if ((m_pView != nullptr) && (m_metrics.cycles > 0)) {
+        m_pView->draw(m_monitor, m_metrics);
     }
+    m_streams.requireOutput();
 }
 
 void NodeMonitor::writeMetrics()
@@ -332,7 +364,8 @@ void NodeMonitor::writeMetrics()
         return;
     }
     try {
-        replaceFile(m_options.metricsFile, prometheusText(m_figures, m_monitor), Durability::UNTIL_CRASH);
+        replaceFile(m_options.metricsFile, METRICS_START, prometheusText(m_metrics, m_monitor),
+                    Durability::UNTIL_CRASH);
         m_metricsNotice.set("");
     } catch (const CommandError& error) {
         m_metricsNotice.set(error.what());
@@ -343,3 +376,5 @@ bool NodeMonitor::isOver() const
 {
     return m_endBy && (!isAnySlotReading() || (Clock::now() >= *m_endBy));
 }
+
+}  // namespace brantel

@@ -1,11 +1,11 @@
 #ifndef APPS_MONITOR_NODE_MONITOR_H
 #define APPS_MONITOR_NODE_MONITOR_H
 
-// The monitor as a program: walks the road of the monitored values, from the database's rules over the cards and the
-// host's counters to the events, cycle after cycle, until it is told to end.
+// The monitor as a program: reads the objects that have rules from the cards and the host's counters, and records the
+// events, cycle after cycle, until it is asked to stop.
 //
-// All happens on one thread that waits for answers, signals and the time of the next cycle at once. Nothing is read
-// again before what was read before is recorded.
+// A single thread waits for answers, signals and the next cycle. A place is read again only after its previous reading
+// is recorded.
 
 #include <chrono>
 #include <cstdint>
@@ -16,14 +16,18 @@
 #include <string>
 
 #include "cards/CardObjects.h"
+#include "common/CommandLine.h"
+#include "common/Message.h"
+#include "common/Signals.h"
 #include "monitor/ConditionMonitor.h"
 #include "monitor/EventRecorder.h"
 #include "monitor/LiveView.h"
-#include "monitor/MonitorFigures.h"
-#include "monitor/OperatorNotice.h"
+#include "monitor/MonitorMetrics.h"
+#include "monitor/MonitorStreams.h"
 #include "monitor/PolledSlot.h"
-#include "monitor/RuleBook.h"
-#include "monitor/Signals.h"
+#include "monitor/RuleSet.h"
+
+namespace brantel {
 
 struct NodeMonitorOptions {
     std::string database;
@@ -39,7 +43,7 @@ struct NodeMonitorOptions {
 class NodeMonitor {
 public:
     /// Reads the database and the state, and subscribes the slots. Throws CommandError and sql::Error.
-    explicit NodeMonitor(const NodeMonitorOptions& options);
+    NodeMonitor(const NodeMonitorOptions& options, MonitorStreams& streams);
     ~NodeMonitor();
     NodeMonitor(const NodeMonitor&) = delete;
     NodeMonitor& operator=(const NodeMonitor&) = delete;
@@ -52,14 +56,17 @@ private:
 
     void addOutputs();
     void waitForCards();
-    void waitForSomething();
+    void waitForInput();
     void handleSignals();
     void handle(int signal);
     void handleAnswers();
 
     void startCycle();
     void followDatabase();
-    void updateSlots();
+    void subscribeSlots();
+    std::string subscriptionFault();
+    void updateOids();
+    void takeFailure(const Place& place, const std::string& reason);
     void poll(const Place& place, PolledSlot& slot);
     void readHost(const Place& place);
     void takeCompleteReadings();
@@ -74,24 +81,27 @@ private:
     bool isOver() const;
 
     const NodeMonitorOptions m_options;
+    MonitorStreams& m_streams;
     const Clock::duration m_interval;
-    const Signals m_signals;  // before all that starts threads
-    RuleBookFollower m_follower;
+    const SignalQueue m_signals;  // before anything that starts threads
+    RuleSetWatcher m_watcher;
     ConditionMonitor m_monitor;
     EventRecorder m_recorder;
     LiveView* m_pView = nullptr;
     CardObjects m_hostObjects;
     OBcomponent m_component{"monitor"};
     std::map<std::uint32_t, PolledSlot> m_slots;
-    MonitorFigures m_figures;
+    MonitorMetrics m_metrics;
     OperatorNotice m_metricsNotice;
     OperatorNotice m_databaseNotice;
 
-    ConditionMonitor::Events m_events;  ///< not recorded yet
+    Events m_events;  ///< not recorded yet
     Clock::time_point m_cycleStart;
     std::optional<Clock::time_point> m_unrecordedSince;
     std::optional<Clock::time_point> m_lastRecord;  ///< of this cycle
-    std::optional<Clock::time_point> m_endBy;       ///< set when it was told to end
+    std::optional<Clock::time_point> m_endBy;       ///< set when it was asked to stop
 };
+
+}  // namespace brantel
 
 #endif

@@ -1,41 +1,25 @@
 #include "monitor/PolledSlot.h"
 
 #include <algorithm>
-#include <string>
 
-#include "message/OBmessage.h"
-
+namespace brantel {
 namespace {
 
-// A proxy finds a service that came back within half a second; the client's may do so later than the one that is asked.
-constexpr std::chrono::milliseconds RECONNECT_TIME{600};
-
 constexpr std::size_t MAX_RETRIES = 16;
-
-constexpr std::int32_t LAST_CARD_RESULT = 0x00FFFFFF;
 
 }  // namespace
 
 PolledSlot::PolledSlot(std::uint32_t slot, OBcomponent& component)
-    : m_slot(slot), m_presence(component), m_plan(slot, {})
+    : m_slot(slot), m_presence(slot, icsc::Interface::ASYNC, component)
 {
-    IcscClientProxy::getInstance().subscribeInterface(slot, component);
-    IcscClientProxy::getInstance().subscribeAsyncInterface(slot, component, *this);
-    const std::string name = "ICSCClient" + std::to_string(slot) + ".ReadWriteAsync";
-    m_presence.subscribe_asynchronous(name.c_str(), this);
+    OBcomponent::requireRoomFor(1);  // the client's
+    IcscClientProxy::getInstance().subscribeAsyncInterface(slot, component, m_reader);
 }
 
-bool PolledSlot::isReachable(Clock::time_point now)
+std::string PolledSlot::reasonOfAbsence() const
 {
-    if (!isConnected()) {
-        m_wasAbsent = true;
-        m_reachableSince.reset();
-        return false;
-    }
-    if (!m_reachableSince) {
-        m_reachableSince = m_wasAbsent ? now + RECONNECT_TIME : now;
-    }
-    return now >= *m_reachableSince;
+    const std::string obstacle = m_presence.obstacle();
+    return obstacle.empty() ? "no card is serving the slot" : obstacle;
 }
 
 void PolledSlot::setOids(const ObjectIdContainer& oids)
@@ -50,51 +34,26 @@ void PolledSlot::setOids(const ObjectIdContainer& oids)
 void PolledSlot::start(Clock::time_point now)
 {
     m_start = now;
-    m_plan = nextPlan();
-    askNext();
+    m_reader.start(nextPlan());
 }
 
-void PolledSlot::askNext()
-{
-    if (m_plan.isDone()) {
-        return;
-    }
-    ++m_calls;
-    if (IcscClientProxy::getInstance().getOidsAsync(m_slot, m_plan.request())) {
-        ++m_requestsSent;
-    } else {
-        m_plan.takeNoAnswer();
-    }
-}
-
-void PolledSlot::ICSCReadReply(const OBmessage& message, const buffer_t& tlvs, int result)
-{
-    if (m_plan.isDone() || (message.sequenceNumber() != m_calls)) {
-        return;  // of a reading that was given up
-    }
-    const Clock::time_point start = Clock::now();
-    m_plan.takeAnswer(result, tlvs);
-    m_decodingTime += Clock::now() - start;
-    askNext();
-}
-
-const Reading& PolledSlot::take()
+const Reading& PolledSlot::takeReading()
 {
     m_start.reset();
-    noteRefusals(m_plan.reading());
-    return m_plan.reading();
+    noteRefusals(m_reader.reading());
+    return m_reader.reading();
 }
 
 void PolledSlot::noteRefusals(const Reading& reading)
 {
     const std::set<std::uint32_t> refusedBefore = m_refused;
-    for (const auto& [oid, result] : reading.failures) {
-        if ((result > 0) && (result <= LAST_CARD_RESULT)) {
+    for (const auto& [oid, outcome] : reading.failures) {
+        if (isRefusalByCard(outcome)) {
             m_refused.insert(oid);
         }
     }
     if (areAllRefused() && !reading.values.empty()) {
-        m_refused.clear();  // the card is in order again
+        m_refused.clear();  // the card has recovered
     }
     for (const auto& [oid, value] : reading.values) {
         m_refused.erase(oid);
@@ -129,3 +88,5 @@ ReadPlan PolledSlot::nextPlan()
     }
     return plan;
 }
+
+}  // namespace brantel

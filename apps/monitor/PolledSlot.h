@@ -8,25 +8,27 @@
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <string>
 
 #include "IcscClientProxy.h"
-#include "cards/ReadPlan.h"
-#include "icsc/OBappsToICSC_1_0_P.h"
-#include "icsc/OBappsToICSC_1_0_PR.h"
+#include "cards/AsyncReader.h"
+#include "cards/SlotPresence.h"
 #include "message/OBcomponent.h"
 
-class PolledSlot : private OBappsToICSC_1_0_PR {
+namespace brantel {
+
+class PolledSlot {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Subscribes the slot.
+    /// Subscribes the slot. Throws std::runtime_error if the process may not open enough files.
     PolledSlot(std::uint32_t slot, OBcomponent& component);
 
     /// Whether the card's service is there.
     bool isConnected() const { return m_presence.isConnected(); }
 
-    /// Whether a reading would not have to wait: the service is there, and not only just back.
-    bool isReachable(Clock::time_point now);
+    /// Why it is not, in words.
+    std::string reasonOfAbsence() const;
 
     /// The objects to read from now on.
     void setOids(const ObjectIdContainer& oids);
@@ -37,32 +39,28 @@ public:
 
     /// A reading that was begun is under way until it is taken.
     bool isReading() const { return m_start.has_value(); }
-    bool isComplete() const { return m_plan.isDone(); }
+    bool isComplete() const { return m_reader.isDone(); }
 
     /// Gives up what is still to come of the reading under way.
-    void giveUp() { m_plan.takeNoAnswer(); }
+    void giveUp() { m_reader.giveUp(); }
 
     /// What the reading under way brought, which is over now.
-    const Reading& take();
+    const Reading& takeReading();
 
     /// When the reading under way began.
     Clock::time_point startTime() const { return *m_start; }
 
-    /// How many requests were sent, and how long their answers took to decode, since construction.
-    std::uint64_t requestsSent() const { return m_requestsSent; }
-    std::chrono::nanoseconds decodingTime() const { return m_decodingTime; }
+    /// How many requests were made, and how long their answers took to decode, since construction.
+    std::uint64_t requestsMade() const { return m_reader.requestsMade(); }
+    std::chrono::nanoseconds decodingTime() const { return m_reader.decodingTime(); }
 
 private:
-    void ICSCReadReply(const OBmessage& message, const buffer_t& tlvs, int result) override;
-    void askNext();
     bool areAllRefused() const { return m_refused.size() == m_oids.size(); }
     void noteRefusals(const Reading& reading);
     ReadPlan nextPlan();
 
     const std::uint32_t m_slot;
-    OBappsToICSC_1_0_P m_presence;  ///< never called: the client does not tell whether the card is there
-    bool m_wasAbsent = false;
-    std::optional<Clock::time_point> m_reachableSince;
+    SlotPresence m_presence;
 
     ObjectIdContainer m_oids;
     std::set<std::uint32_t> m_refused;  ///< those that the card refused when it was asked for them last
@@ -70,10 +68,11 @@ private:
     std::optional<ReadPlan> m_planOfOthers;  ///< not yet begun
 
     std::optional<Clock::time_point> m_start;
-    ReadPlan m_plan;            ///< of the reading under way
-    std::uint64_t m_calls = 0;  ///< the sequence number of the last one: all calls of a proxy count, from 1
-    std::uint64_t m_requestsSent = 0;
-    std::chrono::nanoseconds m_decodingTime{0};
+    AsyncReader m_reader{[this](const ObjectIdContainer& request) {
+        return IcscClientProxy::getInstance().getOidsAsync(m_slot, request);
+    }};
 };
+
+}  // namespace brantel
 
 #endif

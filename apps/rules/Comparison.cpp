@@ -2,11 +2,22 @@
 
 #include <typeinfo>
 
-using namespace vemorRules;
-
+namespace brantel {
 namespace {
 
-// Each operator, the one that means the same with the operands exchanged, and the one that holds when it does not.
+using vemorRules::EQUAL;
+using vemorRules::GREATER_OR_EQUAL;
+using vemorRules::GREATER_THAN;
+using vemorRules::LESS_OR_EQUAL;
+using vemorRules::LESS_THAN;
+using vemorRules::LOGICAL_AND;
+using vemorRules::LOGICAL_OR;
+using vemorRules::NOT_EQUAL;
+
+using vemorRules::Expression;
+using vemorRules::RelationalOperator;
+
+// Each operator, its equivalent for exchanged operands, and its negation.
 struct OperatorEntry {
     const char* text;
     RelationalOperator exchanged;
@@ -34,7 +45,7 @@ std::int64_t numberOf(const boost::any& operand, bool isUnsigned)
 Comparison comparisonOf(const Expression& expression, bool isUnsigned)
 {
     const RelationalOperator asWritten = expression.m_relationalOperator;
-    if (expression.m_leftOperand.type() == typeid(ParamField)) {
+    if (expression.m_leftOperand.type() == typeid(vemorRules::ParamField)) {
         return {asWritten, numberOf(expression.m_rightOperand, isUnsigned)};
     }
     return {OPERATORS[asWritten].exchanged, numberOf(expression.m_leftOperand, isUnsigned)};
@@ -74,3 +85,5 @@ bool holds(const Comparison& comparison, std::int64_t value)
     }
     return false;
 }
+
+}  // namespace brantel

@@ -1,18 +1,20 @@
 #ifndef APPS_RULES_COMPARISON_H
 #define APPS_RULES_COMPARISON_H
 
-// The comparisons in a parsed rule, written the way people read them: the monitored quantity first.
+// The comparisons in a parsed rule as people read them: the monitored quantity first.
 
 #include <cstdint>
 
 #include "EventMgmtRulesCppObjects.h"
+
+namespace brantel {
 
 struct Comparison {
     vemorRules::RelationalOperator relationalOperator;  ///< between the monitored quantity and the limit
     std::int64_t limit;
 };
 
-/// `expression` compares a placeholder with a number, in either order. `isUnsigned` is what the rule text says: the
+/// `expression` compares a placeholder with a number, in either order. `isUnsigned` comes from the rule text: the
 /// thresholds of a hysteresis do not show it.
 Comparison comparisonOf(const vemorRules::Expression& expression, bool isUnsigned);
 
@@ -30,5 +32,7 @@ vemorRules::RelationalOperator negated(vemorRules::RelationalOperator relational
 
 /// Whether the comparison holds for `value`.
 bool holds(const Comparison& comparison, std::int64_t value);
+
+}  // namespace brantel
 
 #endif

@@ -4,6 +4,8 @@
 
 #include <boost/algorithm/string/case_conv.hpp>
 
+namespace brantel {
+
 MappedText::MappedText(const std::string& original) : m_text(original), m_origins(original.size() + 1)
 {
     std::iota(m_origins.begin(), m_origins.end(), std::size_t{0});
@@ -56,3 +58,5 @@ TextSpan MappedText::originOf(std::size_t pos, std::size_t length) const
     const std::size_t end = (length == 0) ? begin + 1 : m_origins[pos + length - 1] + 1;
     return {begin, end - begin};
 }
+
+}  // namespace brantel

@@ -1,15 +1,16 @@
 #ifndef APPS_RULES_MAPPED_TEXT_H
 #define APPS_RULES_MAPPED_TEXT_H
 
-// A text cut out of another one whose characters still know where they stood there. The parser decides on a rule
-// without its blanks, in lower case, piece by piece; what is found there is shown at its place in the rule as written.
+// A text cut out of another one that keeps the original position of each character. The parser reads a rule without its
+// blanks, in lower case, piece by piece; a fault is shown at its position in the rule as written.
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
-/// Where something stands in the original text: bytes, counted from 0. Covers at least one byte, at the end of the text
-/// the one after it.
+namespace brantel {
+
+/// A part of the original text, in bytes from 0. Covers at least one byte, at the end of the text the one after it.
 struct TextSpan {
     std::size_t begin;
     std::size_t length;
@@ -32,7 +33,7 @@ public:
     /// The pieces between the occurrences of `separator`, empty ones included.
     std::vector<MappedText> splitAt(const std::string& separator) const;
 
-    /// Where `length` bytes from `pos` stood in the original; for a length of 0, where they would stand.
+    /// The original position of `length` bytes from `pos`; for a length of 0, where they would be.
     TextSpan originOf(std::size_t pos, std::size_t length) const;
     TextSpan origin() const { return originOf(0, m_text.size()); }
 
@@ -40,7 +41,9 @@ private:
     MappedText() = default;
 
     std::string m_text;
-    std::vector<std::size_t> m_origins;  ///< of each byte, and of the place after the last
+    std::vector<std::size_t> m_origins;  ///< of each byte, and of the position after the last
 };
+
+}  // namespace brantel
 
 #endif

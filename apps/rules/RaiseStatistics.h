@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <optional>
 
+namespace brantel {
+
 class RaiseStatistics {
 public:
     /// Takes the state of the condition after the next sample, and the sample's time in seconds if it is known.
@@ -18,7 +20,7 @@ public:
     std::uint64_t longestSamples() const { return m_longestSamples; }
 
     /// The longest time from a sample that raised it to the one that cleared it, or to the last one if none did.
-    /// Nothing if it was never raised, or if the time of a sample that this depends on is not known.
+    /// Nothing if it was never raised, or if the time of a sample that this depends on is not known or goes back.
     std::optional<double> longestSeconds() const;
 
 private:
@@ -27,8 +29,11 @@ private:
     std::uint64_t m_samplesInARow = 0;
     std::uint64_t m_longestSamples = 0;
     std::optional<double> m_raisedAt;
+    std::optional<double> m_lastSeconds;
     std::optional<double> m_longestSeconds;
     bool m_isTimeMissing = false;
 };
+
+}  // namespace brantel
 
 #endif

@@ -4,11 +4,14 @@
 #include "rules/Comparison.h"
 #include "rules/RuleText.h"
 
-using namespace vemorRules;
-
+namespace brantel {
 namespace {
 
-// "> 100", with the monitored quantity thought before it.
+using vemorRules::Expression;
+using vemorRules::ExpressionType;
+using vemorRules::RuleObject;
+
+// "> 100", to follow the monitored quantity.
 std::string comparisonWords(const Expression& expression, bool isUnsigned)
 {
     const Comparison comparison = comparisonOf(expression, isUnsigned);
@@ -28,55 +31,58 @@ std::string conditionWords(const Expression& condition, const std::string& befor
 std::string hysteresisWords(const Expression& keeping, const Expression& raising, bool isUnsigned)
 {
     const Comparison keepingComparison = comparisonOf(nestedExpression(keeping.m_rightOperand), isUnsigned);
-    const bool isUpper = (keepingComparison.relationalOperator == GREATER_THAN);
+    const bool isUpper = (keepingComparison.relationalOperator == vemorRules::GREATER_THAN);
     return "raised when value " + comparisonWords(nestedExpression(raising.m_rightOperand), isUnsigned) +
            ", cleared when value " + (isUpper ? "<= " : ">= ") + std::to_string(keepingComparison.limit);
 }
 
 }  // namespace
 
-std::string kindOfRule(ExpressionType type)
+std::string ruleKindText(ExpressionType type)
 {
     switch (type) {
-        case NO_EXPRESSION: return "empty rule";
-        case SIMPLE_EXPRESSION_VALUE: return "value rule";
-        case SIMPLE_EXPRESSION_DELTA: return "delta rule";
-        case SINGLE_HYSTERESIS: return "single hysteresis";
-        case DOUBLE_HYSTERESIS: return "double hysteresis";
+        case vemorRules::NO_EXPRESSION: return "empty rule";
+        case vemorRules::SIMPLE_EXPRESSION_VALUE: return "value rule";
+        case vemorRules::SIMPLE_EXPRESSION_DELTA: return "delta rule";
+        case vemorRules::SINGLE_HYSTERESIS: return "single hysteresis";
+        case vemorRules::DOUBLE_HYSTERESIS: return "double hysteresis";
     }
     return "unknown rule";
 }
 
-std::string describe(const RuleObject& rule, bool isUnsigned)
+std::string meaningText(const RuleObject& rule, bool isUnsigned)
 {
     const std::vector<Expression>& expressions = rule.m_expressions;
     switch (rule.m_expressionType) {
-        case SIMPLE_EXPRESSION_VALUE: return "raised while " + conditionWords(expressions[0], "value ", isUnsigned);
-        case SIMPLE_EXPRESSION_DELTA:
+        case vemorRules::SIMPLE_EXPRESSION_VALUE:
+            return "raised while " + conditionWords(expressions[0], "value ", isUnsigned);
+        case vemorRules::SIMPLE_EXPRESSION_DELTA:
             return "raised while the change between two samples " + conditionWords(expressions[0], "is ", isUnsigned);
-        case SINGLE_HYSTERESIS: return hysteresisWords(expressions[0], expressions[1], isUnsigned);
-        case DOUBLE_HYSTERESIS:
+        case vemorRules::SINGLE_HYSTERESIS: return hysteresisWords(expressions[0], expressions[1], isUnsigned);
+        case vemorRules::DOUBLE_HYSTERESIS:
             return "upper: " + hysteresisWords(expressions[0], expressions[1], isUnsigned) +
                    "; lower: " + hysteresisWords(expressions[2], expressions[3], isUnsigned);
-        case NO_EXPRESSION: break;
+        case vemorRules::NO_EXPRESSION: break;
     }
-    return "decides nothing";
+    return "has no condition";
 }
 
-std::string describeRuleText(const std::string& rule)
+std::string meaningText(const std::string& rule)
 {
-    if (isEmptyRule(rule)) {
-        return describe({}, false);
+    if (vemorRules::isEmptyRule(rule)) {
+        return meaningText({}, false);
     }
     const std::vector<MappedText> parts = partsOf(rule);
     std::string words;
     for (std::size_t i = 0; i < parts.size(); ++i) {
         RuleObject part;
-        parseExpression(parts[i].text(), &part);
+        vemorRules::parseExpression(parts[i].text(), &part);
         if (parts.size() > 1) {
             words += ((i == 0) ? "(" : "; (") + std::to_string(i + 1) + ") ";
         }
-        words += describe(part, marksOf(parts[i]).isUnsigned);
+        words += meaningText(part, marksOf(parts[i]).isUnsigned);
     }
     return words;
 }
+
+}  // namespace brantel

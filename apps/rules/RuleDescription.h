@@ -7,14 +7,18 @@
 
 #include "EventMgmtRulesCppObjects.h"
 
-/// What kind of rule the type stands for: "value rule", "double hysteresis" and so on.
-std::string kindOfRule(vemorRules::ExpressionType type);
+namespace brantel {
 
-/// When the condition of `rule` holds. `rule` is as the parser fills it from a single part; `isUnsigned` is what its
-/// text says, because the thresholds of a hysteresis do not show it.
-std::string describe(const vemorRules::RuleObject& rule, bool isUnsigned);
+/// "value rule", "double hysteresis" and so on.
+std::string ruleKindText(vemorRules::ExpressionType type);
+
+/// When the condition of `rule` holds. `rule` is as the parser fills it from a single part; `isUnsigned` comes from its
+/// text, because the thresholds of a hysteresis do not show it.
+std::string meaningText(const vemorRules::RuleObject& rule, bool isUnsigned);
 
 /// The same for a whole valid rule text, each of several parts on its own.
-std::string describeRuleText(const std::string& rule);
+std::string meaningText(const std::string& rule);
+
+}  // namespace brantel
 
 #endif

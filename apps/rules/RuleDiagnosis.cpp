@@ -1,5 +1,6 @@
 #include "rules/RuleDiagnosis.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <system_error>
@@ -7,25 +8,22 @@
 #include <vector>
 
 #include "EventMgmtRulesParsing.h"
+#include "common/PrintableText.h"
 #include "rules/RuleText.h"
 
+namespace brantel {
 namespace {
 
 using Fault = std::optional<RuleFault>;
 
 // In the parser's search order.
-const char* const operatorTokens[] = {"<=", ">=", "==", "!=", "<", ">"};
+const char* const OPERATOR_TOKENS[] = {"<=", ">=", "==", "!=", "<", ">"};
 constexpr const char* OPERATORS = "the operators are < <= > >= == !=";
 constexpr const char* ONE_COMPARISON =
     "compare once, or join two comparisons with 'and' or 'or': value > 1 and value < 5";
 constexpr const char* SIGNED_OR_UNSIGNED = "write expr=signed(...) or expr=unsigned(...)";
 constexpr const char* SIZE_OF_CHANGE = "write the size of the change: 0 or more";
-constexpr const char* TAB_IS_NO_BLANK = "remove the tab: only spaces are ignored";
-
-std::string quoted(const std::string& text)
-{
-    return "'" + text + "'";
-}
+constexpr const char* REMOVE_TAB = "remove the tab: only spaces are ignored";
 
 bool contains(const std::string& text, const std::string& word)
 {
@@ -53,14 +51,14 @@ RuleFault faultOf(const MappedText& text, const std::string& reason, const std::
     return {text.origin(), reason, remedy};
 }
 
-// What would be right in place of the character that makes `number` no number.
-std::string remedyForNoDigit(const std::string& number, std::size_t pos, bool isUnsigned)
+// What would be right in place of the first character of `number` that is not a digit.
+std::string remedyForNonDigit(const std::string& number, std::size_t pos, bool isUnsigned)
 {
     if (namesField(number)) {
         return "compare with a number";
     }
     switch (number[pos]) {
-        case '\t': return TAB_IS_NO_BLANK;
+        case '\t': return REMOVE_TAB;
         case '.': return "write a whole number, in a smaller unit if need be";
         case '+': return "write the number without '+'";
         case 'x': return "write the number in decimal";
@@ -77,7 +75,7 @@ template <typename T>
 Fault faultOfNumber(const MappedText& number, bool isDelta)
 {
     constexpr bool isUnsigned = std::is_unsigned_v<T>;
-    constexpr const char* range =
+    constexpr const char* RANGE =
         isUnsigned ? "unsigned numbers are 0 to 4294967295" : "signed numbers are -2147483648 to 2147483647";
     const std::string& text = number.text();
     if (text.empty()) {
@@ -88,15 +86,15 @@ Fault faultOfNumber(const MappedText& number, bool isDelta)
         return faultOf(number, "an unsigned rule takes no negative number",
                        isDelta ? SIZE_OF_CHANGE : "write 'signed(' for a signed rule");
     }
-    const std::size_t posNoDigit = text.find_first_not_of("0123456789", isNegative ? 1 : 0);
-    if (posNoDigit != std::string::npos) {
-        return faultAt(number, posNoDigit, 1, quoted(text) + " is not a whole number",
-                       remedyForNoDigit(text, posNoDigit, isUnsigned));
+    const std::size_t posNonDigit = text.find_first_not_of("0123456789", isNegative ? 1 : 0);
+    if (posNonDigit != std::string::npos) {
+        return faultAt(number, posNonDigit, 1, inQuotes(text) + " is not a whole number",
+                       remedyForNonDigit(text, posNonDigit, isUnsigned));
     }
     T value = 0;
     const std::errc error = std::from_chars(text.data(), text.data() + text.size(), value).ec;
     if (error == std::errc::result_out_of_range) {
-        return faultOf(number, quoted(text) + " is out of range", range);
+        return faultOf(number, inQuotes(text) + " is out of range", RANGE);
     }
     if (error != std::errc()) {
         return faultOf(number, "'-' without a number", "write digits after the '-'");
@@ -129,13 +127,13 @@ RuleFault missingField(const MappedText& comparison, const std::vector<MappedTex
     for (const char* const reversed : {"=<", "=>"}) {
         const std::size_t pos = text.find(reversed);
         if (pos != std::string::npos) {
-            return faultAt(comparison, pos, 2, quoted(reversed) + " is not an operator",
+            return faultAt(comparison, pos, 2, inQuotes(reversed) + " is not an operator",
                            std::string("write '") + reversed[1] + "='");
         }
     }
     const std::size_t posTab = text.find('\t');
     if (posTab != std::string::npos) {
-        return faultAt(comparison, posTab, 1, "there is a tab", TAB_IS_NO_BLANK);
+        return faultAt(comparison, posTab, 1, "there is a tab", REMOVE_TAB);
     }
     const MappedText& side = (namesField(sides[1].text()) && !namesField(sides[0].text())) ? sides[1] : sides[0];
     const std::string& sideText = side.text();
@@ -155,7 +153,7 @@ Fault faultOfComparison(const MappedText& expr, bool isUnsigned, bool& isDelta)
 {
     const MappedText comparison = expr.without('(').without(')');
     const char* token = nullptr;
-    for (const char* const candidate : operatorTokens) {
+    for (const char* const candidate : OPERATOR_TOKENS) {
         if (contains(comparison.text(), candidate)) {
             token = candidate;
             break;
@@ -196,7 +194,7 @@ Fault faultOfJoinedComparisons(const MappedText& expr, bool isUnsigned, const st
     }
     if (isFirstDelta != isSecondDelta) {
         return faultOf(pieces[1], "one comparison is about 'value' and the other about 'delta'",
-                       "use the same word on both sides of the " + quoted(joiningWord));
+                       "use the same word on both sides of the " + inQuotes(joiningWord));
     }
     return std::nullopt;
 }
@@ -206,7 +204,7 @@ Fault faultOfHysteresisCall(const MappedText& expr, bool isUnsigned, std::size_t
     const std::size_t posArguments = posWord + word.size();
     const std::size_t posClosing = expr.text().find(')', posArguments);
     if (posClosing == std::string::npos) {
-        return faultAt(expr, posWord, word.size(), "the " + quoted(")") + " of " + quoted(word) + " is missing",
+        return faultAt(expr, posWord, word.size(), "the " + inQuotes(")") + " of " + inQuotes(word) + " is missing",
                        "close both brackets: " + word + "80,90))");
     }
     const std::vector<MappedText> arguments = expr.part(posArguments, posClosing - posArguments).splitAt(",");
@@ -274,7 +272,7 @@ RuleFault emptyPart(const std::string& rule, const MappedText& part)
         return {{0, rule.size()}, "there are only blanks", "leave the rule empty, or write one"};
     }
     return {
-        {posSeparator, 1}, "there is an empty part beside this ';'", "remove the ';', or write a rule on both sides"};
+        {posSeparator, 1}, "there is an empty part next to this ';'", "remove the ';', or write a rule on both sides"};
 }
 
 Fault faultOfPart(const MappedText& part)
@@ -302,6 +300,13 @@ Fault faultOfPart(const MappedText& part)
 
 }  // namespace
 
+RuleFault explainRefusal(const std::string& rule)
+{
+    const TextSpan wholeRule{0, std::max<std::size_t>(rule.size(), 1)};
+    return findFault(rule).value_or(
+        RuleFault{wholeRule, "the parser refuses it", "compare it with a rule that is valid"});
+}
+
 std::optional<RuleFault> findFault(const std::string& rule)
 {
     if (vemorRules::isEmptyRule(rule)) {
@@ -317,3 +322,5 @@ std::optional<RuleFault> findFault(const std::string& rule)
     }
     return std::nullopt;
 }
+
+}  // namespace brantel

@@ -8,13 +8,15 @@
 #include "rules/RuleSession.h"
 #include "rules/RuleText.h"
 
-using namespace vemorRules;
-
+namespace brantel {
 namespace {
+
+using vemorRules::Expression;
+using vemorRules::RuleObject;
 
 using Notes = std::vector<std::string>;
 
-// The text as it was written, blanks and letter case included.
+// The text as written, blanks and letter case included.
 std::string asWritten(const std::string& rule, const MappedText& text)
 {
     const TextSpan span = text.origin();
@@ -38,7 +40,8 @@ void noteIgnoredAroundBrackets(Notes& notes, const std::string& rule, const Mapp
     noteIgnored(notes, rule, part.partFrom(marks.closingBracket + 1));
 }
 
-// A hysteresis expression is its first hyshigh call and its first hyslow call; "and" and "or" between them say nothing.
+// A hysteresis expression is its first hyshigh call and its first hyslow call; "and" and "or" between them have no
+// meaning.
 void noteIgnoredAroundCalls(Notes& notes, const std::string& rule, const MappedText& expr)
 {
     struct Call {
@@ -76,8 +79,8 @@ void collectThresholds(const boost::any& operand, std::vector<SampleValue>& thre
     }
 }
 
-// The outcome of a condition changes only at its thresholds, so deciding it there and beside them shows every outcome.
-// `canFail` says that it can fail outside of `range` too.
+// The outcome of a condition changes only at its thresholds, so that there and next to them is every outcome.
+// `canFail`: it can also fail outside of `range`.
 template <typename T>
 void noteConstantCondition(Notes& notes, const RuleObject& rule, SampleRange range, bool canFail)
 {
@@ -87,7 +90,7 @@ void noteConstantCondition(Notes& notes, const RuleObject& rule, SampleRange ran
     for (const SampleValue threshold : thresholds) {
         for (const SampleValue value : {threshold - 1, threshold, threshold + 1}) {
             if ((value >= range.lowest) && (value <= range.highest)) {
-                (checkInt<T>(rule.m_expressions[0], static_cast<T>(value)) ? canHold : canFail) = true;
+                (vemorRules::checkInt<T>(rule.m_expressions[0], static_cast<T>(value)) ? canHold : canFail) = true;
             }
         }
     }
@@ -107,7 +110,7 @@ void noteHysteresis(Notes& notes, const Expression& keeping, const Expression& r
     if (thresholds[0] == thresholds[1]) {
         notes.push_back(name + " has equal thresholds: it is a plain comparison");
     }
-    const auto isRaisedBy = [&](T sample) { return checkHysteresis<T>(keeping, raising, sample, false); };
+    const auto isRaisedBy = [&](T sample) { return vemorRules::checkHysteresis<T>(keeping, raising, sample, false); };
     if (!isRaisedBy(std::numeric_limits<T>::min()) && !isRaisedBy(std::numeric_limits<T>::max())) {
         notes.push_back(name + " is never raised: no sample is beyond its raising threshold");
     }
@@ -118,17 +121,19 @@ void noteOutcomes(Notes& notes, const RuleObject& rule, SampleRange range)
 {
     const std::vector<Expression>& expressions = rule.m_expressions;
     switch (rule.m_expressionType) {
-        case SIMPLE_EXPRESSION_VALUE: noteConstantCondition<T>(notes, rule, range, false); break;
-        case SIMPLE_EXPRESSION_DELTA:
+        case vemorRules::SIMPLE_EXPRESSION_VALUE: noteConstantCondition<T>(notes, rule, range, false); break;
+        case vemorRules::SIMPLE_EXPRESSION_DELTA:
             // A signed delta above the range of int never holds.
             noteConstantCondition<T>(notes, rule, {0, range.highest}, std::is_signed_v<T>);
             break;
-        case SINGLE_HYSTERESIS: noteHysteresis<T>(notes, expressions[0], expressions[1], "the hysteresis"); break;
-        case DOUBLE_HYSTERESIS:
+        case vemorRules::SINGLE_HYSTERESIS:
+            noteHysteresis<T>(notes, expressions[0], expressions[1], "the hysteresis");
+            break;
+        case vemorRules::DOUBLE_HYSTERESIS:
             noteHysteresis<T>(notes, expressions[0], expressions[1], "the upper hysteresis");
             noteHysteresis<T>(notes, expressions[2], expressions[3], "the lower hysteresis");
             break;
-        case NO_EXPRESSION: break;
+        case vemorRules::NO_EXPRESSION: break;
     }
 }
 
@@ -137,8 +142,8 @@ void notePart(Notes& notes, const std::string& rule, const MappedText& part)
     const PartMarks marks = marksOf(part);
     noteIgnoredAroundBrackets(notes, rule, part, marks);
     RuleObject parsedPart;
-    parseExpression(part.text(), &parsedPart);
-    if (parsedPart.m_expressionType >= SINGLE_HYSTERESIS) {
+    vemorRules::parseExpression(part.text(), &parsedPart);
+    if (parsedPart.m_expressionType >= vemorRules::SINGLE_HYSTERESIS) {
         noteIgnoredAroundCalls(notes, rule, expressionOf(part, marks));
     }
     const SampleRange range = sampleRange(marks.isUnsigned);
@@ -151,7 +156,7 @@ void notePart(Notes& notes, const std::string& rule, const MappedText& part)
 std::vector<std::string> notesOn(const std::string& rule)
 {
     Notes notes;
-    if (isEmptyRule(rule)) {
+    if (vemorRules::isEmptyRule(rule)) {
         return notes;
     }
     const std::vector<MappedText> parts = partsOf(rule);
@@ -163,3 +168,5 @@ std::vector<std::string> notesOn(const std::string& rule)
     }
     return notes;
 }
+
+}  // namespace brantel

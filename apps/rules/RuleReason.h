@@ -8,9 +8,13 @@
 
 #include "rules/RuleSession.h"
 
-/// The reason for the state that `session` is in after deciding on `sample`. `condition` is the position in
-/// conditionNames; `previousSample` is the sample before, which only a delta rule needs.
-std::string reasonOfState(const RuleSession& session, std::size_t condition, SampleValue previousSample,
-                          SampleValue sample);
+namespace brantel {
+
+/// The reason for the state that `session` is in after evaluating `sample`. `condition` is the position in
+/// RuleSession::states; `previousSample` is the sample before, which only a delta rule needs.
+std::string reasonText(const RuleSession& session, std::size_t condition, SampleValue previousSample,
+                       SampleValue sample);
+
+}  // namespace brantel
 
 #endif

@@ -2,11 +2,10 @@
 
 #include <limits>
 
-using namespace vemorRules;
-
+namespace brantel {
 namespace {
 
-constexpr std::size_t expressionsOfType[] = {0, 1, 1, 2, 4};
+constexpr std::size_t N_EXPRESSIONS_OF_TYPE[] = {0, 1, 1, 2, 4};
 
 }  // namespace
 
@@ -18,60 +17,59 @@ SampleRange sampleRange(bool isUnsigned)
     return {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()};
 }
 
-std::optional<std::string> reasonAgainstEvaluation(const RuleObject& rule)
+std::optional<std::string> reasonAgainstEvaluation(const vemorRules::RuleObject& rule)
 {
-    if (rule.m_expressionType == NO_EXPRESSION) {
+    if (rule.m_expressionType == vemorRules::NO_EXPRESSION) {
         return "there is nothing to evaluate: the rule is empty or a comment";
     }
-    if (rule.m_expressions.size() != expressionsOfType[rule.m_expressionType]) {
+    if (rule.m_expressions.size() != N_EXPRESSIONS_OF_TYPE[rule.m_expressionType]) {
         return SEVERAL_PARTS;
     }
     return std::nullopt;
 }
 
-RuleSession::RuleSession(const RuleObject& rule, bool isUnsigned) : m_rule(rule), m_isUnsigned(isUnsigned) {}
-
-std::vector<std::string> RuleSession::conditionNames() const
+RuleSession::RuleSession(const vemorRules::RuleObject& rule, bool isUnsigned) : m_rule(rule), m_isUnsigned(isUnsigned)
 {
-    if (m_rule.m_expressionType == DOUBLE_HYSTERESIS) {
-        return {"upper", "lower"};
+}
+
+std::vector<ConditionState> RuleSession::statesSince(const RuleMemory& before) const
+{
+    const bool hasChanged = (m_memory.isRaised != before.isRaised);
+    if (m_rule.m_expressionType != vemorRules::DOUBLE_HYSTERESIS) {
+        return {{"", m_memory.isRaised, hasChanged}};
     }
-    return {""};
+    return {{"upper", m_memory.isRaised, hasChanged},
+            {"lower", m_memory.isLowerRaised, m_memory.isLowerRaised != before.isLowerRaised}};
 }
 
 std::vector<ConditionState> RuleSession::evaluate(SampleValue sample)
 {
-    const bool isDecided = (m_rule.m_expressionType != SIMPLE_EXPRESSION_DELTA) || m_memory.previousSample;
-    const std::array<bool, 2> wasRaised = m_memory.isRaised;
+    const bool isDecided = (m_rule.m_expressionType != vemorRules::SIMPLE_EXPRESSION_DELTA) || m_memory.previousSample;
+    const RuleMemory before = m_memory;
     if (isDecided) {
         m_isUnsigned ? decide(static_cast<unsigned int>(sample)) : decide(static_cast<int>(sample));
     }
     m_memory.previousSample = sample;
-    if (!isDecided) {
-        return {};
-    }
-    std::vector<ConditionState> states;
-    for (const std::string& name : conditionNames()) {
-        const std::size_t i = states.size();
-        states.push_back({name, m_memory.isRaised[i], m_memory.isRaised[i] != wasRaised[i]});
-    }
-    return states;
+    return isDecided ? statesSince(before) : std::vector<ConditionState>();
 }
 
 template <typename T>
 void RuleSession::decide(T sample)
 {
+    using namespace vemorRules;
     switch (m_rule.m_expressionType) {
-        case SIMPLE_EXPRESSION_VALUE: m_memory.isRaised[0] = checkSimpleValueRule<T>(m_rule, sample); break;
+        case SIMPLE_EXPRESSION_VALUE: m_memory.isRaised = checkSimpleValueRule<T>(m_rule, sample); break;
         case SIMPLE_EXPRESSION_DELTA:
-            m_memory.isRaised[0] = checkSimpleDeltaRule<T>(m_rule, static_cast<T>(*m_memory.previousSample), sample);
+            m_memory.isRaised = checkSimpleDeltaRule<T>(m_rule, static_cast<T>(*m_memory.previousSample), sample);
             break;
         case SINGLE_HYSTERESIS:
-            m_memory.isRaised[0] = checkSingleHysteresisRule<T>(m_rule, sample, m_memory.isRaised[0]);
+            m_memory.isRaised = checkSingleHysteresisRule<T>(m_rule, sample, m_memory.isRaised);
             break;
         case DOUBLE_HYSTERESIS:
-            checkDoubleHysteresisRule<T>(m_rule, sample, m_memory.isRaised[0], m_memory.isRaised[1]);
+            checkDoubleHysteresisRule<T>(m_rule, sample, m_memory.isRaised, m_memory.isLowerRaised);
             break;
         case NO_EXPRESSION: break;
     }
 }
+
+}  // namespace brantel

@@ -2,9 +2,8 @@
 #define APPS_RULES_RULE_SESSION_H
 
 // A parsed rule fed with one sample after the other: calls the check function of the rule's type and carries what the
-// caller of these functions has to carry, the previous sample and the states.
+// caller of these functions has to carry: the previous sample and the states.
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,10 +11,12 @@
 
 #include "EventMgmtRulesCppObjects.h"
 
+namespace brantel {
+
 /// A sample of a signed or an unsigned rule.
 using SampleValue = std::int64_t;
 
-/// The samples that a rule can be asked about.
+/// The samples that a rule can be evaluated against.
 struct SampleRange {
     SampleValue lowest;
     SampleValue highest;
@@ -23,11 +24,11 @@ struct SampleRange {
 
 SampleRange sampleRange(bool isUnsigned);
 
-/// The reason against rules with several parts: their type is that of the last part, and never fits the number of their
+/// The reason against rules of several parts: their type is that of the last part and never matches the number of their
 /// expressions.
 constexpr const char* SEVERAL_PARTS = "a rule of several parts is never evaluated: make each part a rule of its own";
 
-/// Why `rule`, as the parser filled it, can not be evaluated; nothing if it can.
+/// Why `rule`, as the parser filled it, cannot be evaluated; nothing if it can.
 std::optional<std::string> reasonAgainstEvaluation(const vemorRules::RuleObject& rule);
 
 /// One condition of a rule after a sample. A double hysteresis has two, "upper" and "lower"; every other rule has one,
@@ -41,7 +42,8 @@ struct ConditionState {
 /// What a session carries from one sample to the next.
 struct RuleMemory {
     std::optional<SampleValue> previousSample;
-    std::array<bool, 2> isRaised{};  ///< the only condition, or upper and lower
+    bool isRaised = false;       ///< the only condition, or the upper one of a double hysteresis
+    bool isLowerRaised = false;  ///< the lower one of a double hysteresis
 };
 
 class RuleSession {
@@ -52,24 +54,27 @@ public:
     const vemorRules::RuleObject& rule() const { return m_rule; }
     bool isUnsigned() const { return m_isUnsigned; }
 
-    /// To be kept and given to a session of the same rule, which then goes on where this one was.
+    /// To be kept and given to a session of the same rule, which then continues from here.
     const RuleMemory& memory() const { return m_memory; }
     void setMemory(const RuleMemory& memory) { m_memory = memory; }
 
-    /// The names of the conditions, in the order in which evaluate tells their states.
-    std::vector<std::string> conditionNames() const;
+    /// The conditions as they are now, in the order in which evaluate returns them; none has just changed.
+    std::vector<ConditionState> states() const { return statesSince(m_memory); }
 
-    /// Decides on the next sample, which is within sampleRange. Tells nothing when there is nothing to decide yet: on
-    /// the first sample of a delta rule.
+    /// Evaluates the next sample, which is within sampleRange. Returns no states for the first sample of a delta rule,
+    /// which has nothing to compare with.
     std::vector<ConditionState> evaluate(SampleValue sample);
 
 private:
     template <typename T>
     void decide(T sample);
+    std::vector<ConditionState> statesSince(const RuleMemory& before) const;
 
     vemorRules::RuleObject m_rule;
     bool m_isUnsigned;
     RuleMemory m_memory;
 };
+
+}  // namespace brantel
 
 #endif

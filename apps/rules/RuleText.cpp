@@ -1,5 +1,7 @@
 #include "rules/RuleText.h"
 
+namespace brantel {
+
 std::vector<MappedText> partsOf(const std::string& rule)
 {
     return MappedText(rule).without(' ').inLowerCase().splitAt(";");
@@ -29,3 +31,5 @@ bool isUnsignedRule(const std::string& rule)
 {
     return marksOf(partsOf(rule).back()).isUnsigned;
 }
+
+}  // namespace brantel

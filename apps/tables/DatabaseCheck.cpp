@@ -1,12 +1,13 @@
 #include "tables/DatabaseCheck.h"
 
-#include <map>
-#include <utility>
 #include <vector>
 
+#include "EvmDatabase.h"
+
+namespace brantel {
 namespace {
 
-using Tell = std::function<void(const Finding&)>;
+using Report = std::function<void(const Finding&)>;
 
 std::int64_t keyOf(const sql::Row& row)
 {
@@ -14,90 +15,97 @@ std::int64_t keyOf(const sql::Row& row)
     return (pKey != nullptr) ? *pKey : 0;
 }
 
-void visitRows(sql::Database& database, const EventTable& eventTable, const std::function<void(const sql::Row&)>& visit)
-{
-    sql::Table(database, eventTable.name(), eventTable.definition().definition).forEach({}, visit);
-}
-
-void checkValues(const EventTable& eventTable, const sql::Row& row, const Tell& tell)
+void checkValues(const EventTable& eventTable, const sql::Row& row, const Report& report)
 {
     for (const RowFault& fault : faultsOfRow(eventTable, row)) {
         const std::string rule = fault.ruleFault ? std::get<std::string>(row.back()) : "";
-        tell({eventTable.name(), keyOf(row), fault.column + ": " + fault.reason, rule, fault.ruleFault});
+        report({eventTable.name(), keyOf(row), fault.column + ": " + fault.reason, rule, fault.ruleFault});
     }
 }
 
-// What two entries of a list must not have in common: everything but the RowIndex.
-using Entry = std::vector<sql::Value>;
-
-void checkRows(sql::Database& database, const EventTable& eventTable, const Tell& tell)
+sql::Table tableOf(sql::Database& database, const EventTable& eventTable)
 {
-    const bool isList = (eventTable.kind() == EventTableKind::ALLOW) || (eventTable.kind() == EventTableKind::IGNORE);
-    std::map<Entry, std::int64_t> firstRows;
-    visitRows(database, eventTable, [&](const sql::Row& row) {
-        checkValues(eventTable, row, tell);
-        if (!isList) {
-            return;
-        }
-        const auto [found, isNew] = firstRows.emplace(Entry(row.begin() + 1, row.end()), keyOf(row));
-        if (!isNew) {
-            tell({eventTable.name(), keyOf(row), "says the same as row " + std::to_string(found->second), "", {}});
-        }
-    });
+    return sql::Table(database, eventTable.definition());
 }
 
-using OwnerAndOid = std::pair<sql::Value, sql::Value>;
-
-OwnerAndOid ownerAndOidOf(const sql::Row& row)
+// Two entries of a list must differ in more than the RowIndex.
+void checkRepeats(sql::Database& database, const EventTable& eventTable, const Report& report)
 {
-    return {row[1], row[2]};
+    tableOf(database, eventTable)
+        .forEachRepeated(entryColumns(eventTable), [&](std::int64_t row, std::int64_t firstRow) {
+            report({eventTable.name(), row, "is a duplicate of row " + std::to_string(firstRow), "", {}});
+        });
 }
 
-void checkShadows(sql::Database& database, const EventTable& allowTable, const EventTable& ignoreTable,
-                  const Tell& tell)
+void checkRows(sql::Database& database, const EventTable& eventTable, const Report& report)
 {
-    std::map<OwnerAndOid, std::int64_t> ignored;
-    visitRows(database, ignoreTable, [&](const sql::Row& row) { ignored.emplace(ownerAndOidOf(row), keyOf(row)); });
-    visitRows(database, allowTable, [&](const sql::Row& row) {
-        const auto found = ignored.find(ownerAndOidOf(row));
-        if (found != ignored.end()) {
-            tell({allowTable.name(),
-                  keyOf(row),
-                  "has no effect: row " + std::to_string(found->second) + " of " + ignoreTable.name() +
-                      " ignores the events of this " + allowTable.ownerWord() + " and OID",
-                  "",
-                  {}});
+    tableOf(database, eventTable).forEach({}, [&](const sql::Row& row) { checkValues(eventTable, row, report); });
+    if (eventTable.isList()) {
+        checkRepeats(database, eventTable, report);
+    }
+}
+
+// Entries of an allow list that the ignore list of the same places makes pointless.
+void checkShadows(sql::Database& database, const EventTable& allowTable, const Report& report)
+{
+    const Place::Kind placeKind = *allowTable.placeKind();
+    const EventTable& ignoreTable = tableFor(EventTableKind::IGNORE, placeKind);
+    tableOf(database, allowTable)
+        .forEachMatch(tableOf(database, ignoreTable),
+                      {allowTable.placeColumnName(), eventMgmt::EvmDatabase::ALLOW_IGNORE_COLUMN_OID},
+                      [&](std::int64_t row, std::int64_t ignoringRow) {
+                          report({allowTable.name(),
+                                  row,
+                                  "has no effect: row " + std::to_string(ignoringRow) + " of " + ignoreTable.name() +
+                                      " ignores the events of this " + placeKindText(placeKind) + " and OID",
+                                  "",
+                                  {}});
+                      });
+}
+
+// What other programs changed in the tables, which can be read nevertheless.
+void checkDefinitions(const sql::Database& database, const Report& report)
+{
+    for (const std::string& attachment : database.findAttachments(eventTableDefinitions())) {
+        report({"", {}, attachment, "", {}});
+    }
+    for (const EventTable& eventTable : eventTables()) {
+        if (!database.hasConstraintsOf(eventTable.definition())) {
+            report({eventTable.name(), {}, "its constraints are not those that 'brantel db init' gives it", "", {}});
         }
-    });
+    }
 }
 
 }  // namespace
 
-void checkDatabase(sql::Database& database, const Tell& tell)
+void checkDatabase(sql::Database& database, const Report& report)
 {
     const sql::Transaction oneState(database);
     bool isReadable = true;
-    const auto tellUnreadable = [&](const Finding& finding) {
+    const auto reportUnreadable = [&](const Finding& finding) {
         isReadable = false;
-        tell(finding);
+        report(finding);
     };
     for (const std::string& damage : database.findDamage()) {
-        tellUnreadable({"", {}, damage, "", {}});
+        reportUnreadable({"", {}, damage, "", {}});
     }
     for (const EventTable& eventTable : eventTables()) {
         if (const std::optional<std::string> difference = database.differenceFrom(eventTable.definition())) {
-            tellUnreadable({eventTable.name(), {}, *difference, "", {}});
+            reportUnreadable({eventTable.name(), {}, *difference, "", {}});
         }
     }
     if (!isReadable) {
         return;
     }
+    checkDefinitions(database, report);
     for (const EventTable& eventTable : eventTables()) {
-        checkRows(database, eventTable, tell);
+        checkRows(database, eventTable, report);
     }
-    using namespace eventMgmt;
-    checkShadows(database, allowIgnoreTable(SYS_CARD_ALLOW_EVENTS_TABLE_ID),
-                 allowIgnoreTable(SYS_CARD_IGNORE_EVENTS_TABLE_ID), tell);
-    checkShadows(database, allowIgnoreTable(IFC_CARDS_ALLOW_EVENTS_TABLE_ID),
-                 allowIgnoreTable(IFC_CARDS_IGNORE_EVENTS_TABLE_ID), tell);
+    for (const EventTable& eventTable : eventTables()) {
+        if (eventTable.kind() == EventTableKind::ALLOW) {
+            checkShadows(database, eventTable, report);
+        }
+    }
 }
+
+}  // namespace brantel

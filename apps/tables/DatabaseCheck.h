@@ -1,9 +1,9 @@
 #ifndef APPS_TABLES_DATABASE_CHECK_H
 #define APPS_TABLES_DATABASE_CHECK_H
 
-// Looks for everything in an event-management database that a component would stumble over: damage, tables that are not
-// as defined, wrong values, rules that are refused or never evaluated, entries that stand twice, and entries of an
-// ignore list that make those of the allow list pointless.
+// Looks for everything in an event-management database that a component would stumble over: damage, tables that differ
+// from their definitions, triggers and indexes of other programs, wrong values, rules that are refused or never
+// evaluated, duplicates, and entries of an allow list that an ignore list makes pointless.
 
 #include <functional>
 #include <optional>
@@ -12,15 +12,19 @@
 #include "sql/Database.h"
 #include "tables/EventTables.h"
 
+namespace brantel {
+
 struct Finding {
-    std::string table;                ///< empty if it is about the whole file
+    std::string table;                ///< empty: the whole file
     std::optional<std::int64_t> row;  ///< its key
-    std::string text;                 ///< what is wrong
-    std::string rule;                 ///< the text that ruleFault is in
+    std::string reason;               ///< what is wrong
+    std::string rule;                 ///< that ruleFault is about
     std::optional<RuleFault> ruleFault;
 };
 
-/// Calls `tell` with each finding. All of it is about one state of the database. Throws sql::Error.
-void checkDatabase(sql::Database& database, const std::function<void(const Finding&)>& tell);
+/// Calls `report` with each finding. All findings are about one state of the database. Throws sql::Error.
+void checkDatabase(sql::Database& database, const std::function<void(const Finding&)>& report);
+
+}  // namespace brantel
 
 #endif

@@ -1,42 +1,46 @@
 #include "tables/EventTables.h"
 
 #include <algorithm>
-#include <charconv>
-#include <limits>
 
 #include <boost/algorithm/string/predicate.hpp>
-#include <nlohmann/json.hpp>
 
 #include "EventMgmtRulesParsing.h"
+#include "EvmDatabase.h"
+#include "common/CommandLine.h"
+#include "common/NearestWord.h"
+#include "common/Numbers.h"
+#include "common/PrintableText.h"
 #include "rules/RuleSession.h"
+
+namespace brantel {
 
 using eventMgmt::EvmDatabase;
 
 namespace {
 
-constexpr std::int64_t MAX_NUMBER = std::numeric_limits<std::uint32_t>::max();
+// The first part of a text that neither a terminal nor a line of a log can show: a control character, a mark that
+// changes the direction of writing, or bytes that are not UTF-8.
+struct UnfitText {
+    std::size_t position;
+    bool isUtf8;
+};
 
-bool isControlCharacter(char character)
+std::optional<UnfitText> findUnfitText(const std::string& text)
 {
-    const auto byte = static_cast<unsigned char>(character);
-    return (byte < 0x20) || (byte == 0x7F);
-}
-
-bool isUtf8(const std::string& text)
-{
-    try {
-        static_cast<void>(nlohmann::json(text).dump());
-        return true;
-    } catch (const nlohmann::json::type_error&) {
-        return false;
+    const std::string shown = printable(text);
+    const auto [inText, inShown] = std::mismatch(text.begin(), text.end(), shown.begin(), shown.end());
+    if ((inText == text.end()) && (inShown == shown.end())) {
+        return std::nullopt;
     }
+    const bool isReplacedByAscii = (inShown != shown.end()) && ((*inShown == '?') || (*inShown == ' '));
+    return UnfitText{static_cast<std::size_t>(inText - text.begin()), isReplacedByAscii};
 }
 
 std::optional<RowFault> faultOfNumber(const sql::Field& field, const sql::Value& value)
 {
     const auto* const pNumber = std::get_if<std::int64_t>(&value);
     if (pNumber == nullptr) {
-        return RowFault{field.name(), "is no number", {}};
+        return RowFault{field.name(), "is not a number", {}};
     }
     if ((*pNumber < 0) || (*pNumber > MAX_NUMBER)) {
         return RowFault{field.name(), std::to_string(*pNumber) + " is outside 0 to " + std::to_string(MAX_NUMBER), {}};
@@ -52,11 +56,17 @@ std::optional<RowFault> faultOfFlag(const sql::Field& field, const sql::Value& v
     return RowFault{field.name(), "is neither true nor false", {}};
 }
 
+bool isTableWithChanges(const std::string& name)
+{
+    const EventTable* const pTable = findEventTable(name);
+    return (pTable != nullptr) && (pTable->name() == name) && (pTable->kind() != EventTableKind::CHANGES);
+}
+
 std::optional<RowFault> faultOfText(const sql::Field& field, const sql::Value& value)
 {
     const auto* const pText = std::get_if<std::string>(&value);
     if (pText == nullptr) {
-        return RowFault{field.name(), "is no text", {}};
+        return RowFault{field.name(), "is not a text", {}};
     }
     if (field.name() == EvmDatabase::ALLOW_IGNORE_COLUMN_RULE) {
         const std::optional<RuleFault> fault = faultOfStoredRule(*pText);
@@ -64,12 +74,12 @@ std::optional<RowFault> faultOfText(const sql::Field& field, const sql::Value& v
     }
     if ((field.name() == EvmDatabase::ALLOW_IGNORE_COLUMN_OID) && (canonicalOid(*pText) != *pText)) {
         return RowFault{field.name(),
-                        "'" + *pText + "' is no OID: write a decimal number from 0 to " + std::to_string(MAX_NUMBER) +
-                            " without leading zeros",
+                        inQuotes(*pText) + " is not an OID: write a decimal number from 0 to " +
+                            std::to_string(MAX_NUMBER) + " without leading zeros",
                         {}};
     }
-    if (std::any_of(pText->begin(), pText->end(), isControlCharacter) || !isUtf8(*pText)) {
-        return RowFault{field.name(), "is not one line of UTF-8 text", {}};
+    if ((field.name() == EvmDatabase::NR_OF_ROWS_CHANGED_TABLE_OID) && !isTableWithChanges(*pText)) {
+        return RowFault{field.name(), inQuotes(*pText) + " is not the name of a table that changes", {}};
     }
     return std::nullopt;
 }
@@ -86,14 +96,10 @@ std::optional<RowFault> faultOfValue(const sql::Field& field, const sql::Value& 
 
 }  // namespace
 
-EventTable::EventTable(const std::string& name, const sql::Definition& definition, EventTableKind kind)
-    : m_definition{name, definition}, m_kind(kind), m_columns(definition.begin(), definition.end() - 1)
+EventTable::EventTable(const std::string& name, const std::vector<sql::Field>& columns, EventTableKind kind,
+                       std::optional<Place::Kind> placeKind)
+    : m_definition{name, {columns.begin(), columns.end() - 1}}, m_kind(kind), m_placeKind(placeKind)
 {
-}
-
-std::string EventTable::ownerWord() const
-{
-    return (m_columns[ownerColumn()].name() == EvmDatabase::IFC_CARD_CFG_COLUMN_SLOT) ? "slot" : "component";
 }
 
 const std::vector<EventTable>& eventTables()
@@ -101,18 +107,19 @@ const std::vector<EventTable>& eventTables()
     using Kind = EventTableKind;
     static const std::vector<EventTable> tables{
         {EvmDatabase::COMPONENT_CONFIG_TABLE_NAME, EvmDatabase::getComponentConfigTableDefinition(),
-         Kind::CONFIGURATION},
-        {EvmDatabase::IFC_CARDS_CONFIG_TABLE_NAME, EvmDatabase::getIfcCardsConfigTableDefinition(),
-         Kind::CONFIGURATION},
+         Kind::CONFIGURATION, Place::Kind::COMPONENT},
+        {EvmDatabase::IFC_CARDS_CONFIG_TABLE_NAME, EvmDatabase::getIfcCardsConfigTableDefinition(), Kind::CONFIGURATION,
+         Place::Kind::SLOT},
         {EvmDatabase::SYS_CARD_ALLOW_EVENTS_TABLE_NAME, EvmDatabase::getSysCardAllowEventsTableDefinition(),
-         Kind::ALLOW},
+         Kind::ALLOW, Place::Kind::COMPONENT},
         {EvmDatabase::SYS_CARD_IGNORE_EVENTS_TABLE_NAME, EvmDatabase::getSysCardIgnoreEventsTableDefinition(),
-         Kind::IGNORE},
+         Kind::IGNORE, Place::Kind::COMPONENT},
         {EvmDatabase::IFC_CARDS_ALLOW_EVENTS_TABLE_NAME, EvmDatabase::getIfcCardAllowEventsTableDefinition(),
-         Kind::ALLOW},
+         Kind::ALLOW, Place::Kind::SLOT},
         {EvmDatabase::IFC_CARDS_IGNORE_EVENTS_TABLE_NAME, EvmDatabase::getIfcCardIgnoreEventsTableDefinition(),
-         Kind::IGNORE},
-        {EvmDatabase::NR_OF_ROWS_CHANGED_TABLE_NAME, EvmDatabase::getNrOfRowsChangedTableDefinition(), Kind::CHANGES},
+         Kind::IGNORE, Place::Kind::SLOT},
+        {EvmDatabase::NR_OF_ROWS_CHANGED_TABLE_NAME, EvmDatabase::getNrOfRowsChangedTableDefinition(), Kind::CHANGES,
+         std::nullopt},
     };
     return tables;
 }
@@ -133,24 +140,39 @@ const EventTable* findEventTable(const std::string& name)
     return (found == eventTables().end()) ? nullptr : &*found;
 }
 
-const EventTable& componentConfigTable()
+const EventTable& requireEventTable(const std::string& name)
 {
-    return *findEventTable(EvmDatabase::COMPONENT_CONFIG_TABLE_NAME);
+    const EventTable* const pTable = findEventTable(name);
+    if (pTable == nullptr) {
+        Words names;
+        for (const EventTable& table : eventTables()) {
+            names.push_back(table.name());
+        }
+        throw CommandError("unknown table " + inQuotes(name) + suggestionOrChoices(name, names));
+    }
+    return *pTable;
 }
 
-const EventTable& ifcCardsConfigTable()
+const EventTable& tableFor(EventTableKind kind, Place::Kind placeKind)
 {
-    return *findEventTable(EvmDatabase::IFC_CARDS_CONFIG_TABLE_NAME);
+    return *std::find_if(eventTables().begin(), eventTables().end(), [&](const EventTable& table) {
+        return (table.kind() == kind) && (table.placeKind() == placeKind);
+    });
 }
 
 const EventTable& rowChangeTable()
 {
-    return *findEventTable(EvmDatabase::NR_OF_ROWS_CHANGED_TABLE_NAME);
+    return eventTables().back();
 }
 
-const EventTable& allowIgnoreTable(eventMgmt::AllowIgnoreTableId id)
+std::vector<std::string> entryColumns(const EventTable& list)
 {
-    return *findEventTable(eventMgmt::allowIgnoreTableId2Name(id));
+    std::vector<std::string> names;
+    for (const sql::Field& column : list.columns()) {
+        names.push_back(column.name());
+    }
+    names.erase(names.begin());
+    return names;
 }
 
 std::vector<RowFault> faultsOfRow(const EventTable& table, const sql::Row& row)
@@ -168,22 +190,25 @@ std::vector<RowFault> faultsOfRow(const EventTable& table, const sql::Row& row)
 std::optional<RuleFault> faultOfStoredRule(const std::string& rule)
 {
     const TextSpan wholeRule{0, std::max<std::size_t>(rule.size(), 1)};
+    if (rule.size() > MAX_RULE_LENGTH) {
+        return RuleFault{{MAX_RULE_LENGTH, 1},
+                         "the rule is longer than " + std::to_string(MAX_RULE_LENGTH) + " bytes",
+                         "write a shorter rule"};
+    }
     vemorRules::RuleObject parsed;
     if (!vemorRules::isEmptyRule(rule)) {
         if (!vemorRules::parseRule(rule, &parsed)) {
-            return findFault(rule).value_or(
-                RuleFault{wholeRule, "the parser refuses it", "compare it with a rule that is valid"});
+            return explainRefusal(rule);
         }
         if (const std::optional<std::string> reason = reasonAgainstEvaluation(parsed)) {
             return RuleFault{wholeRule, *reason, "write a rule of one part"};
         }
     }
-    const auto control = std::find_if(rule.begin(), rule.end(), isControlCharacter);
-    if (control != rule.end()) {
-        const auto position = static_cast<std::size_t>(control - rule.begin());
-        return RuleFault{{position, 1}, "there is a control character", "write the rule in one line"};
+    const std::optional<UnfitText> unfit = findUnfitText(rule);
+    if (unfit && unfit->isUtf8) {
+        return RuleFault{{unfit->position, 1}, "there is a control character", "write the rule in one line"};
     }
-    if (!isUtf8(rule)) {
+    if (unfit) {
         return RuleFault{wholeRule, "the text is not UTF-8", "write it in UTF-8"};
     }
     return std::nullopt;
@@ -191,25 +216,23 @@ std::optional<RuleFault> faultOfStoredRule(const std::string& rule)
 
 std::optional<std::string> canonicalOid(const std::string& text)
 {
-    const bool isHexadecimal = boost::istarts_with(text, "0x");
-    const char* const pBegin = text.data() + (isHexadecimal ? 2 : 0);
-    const char* const pEnd = text.data() + text.size();
-    std::uint32_t number = 0;
-    const std::from_chars_result result = std::from_chars(pBegin, pEnd, number, isHexadecimal ? 16 : 10);
-    if ((result.ec != std::errc()) || (result.ptr != pEnd)) {
-        return std::nullopt;
-    }
-    return std::to_string(number);
+    const auto number = parseInteger<std::uint32_t>(text);
+    return number ? std::optional(std::to_string(*number)) : std::nullopt;
 }
 
 std::string valueText(const sql::Field& field, const sql::Value& value)
 {
     if (const auto* const pNumber = std::get_if<std::int64_t>(&value)) {
-        if (field.type() == sql::field_type::BOOLEAN) {
-            return (*pNumber != 0) ? "true" : "false";
+        if ((field.type() == sql::field_type::BOOLEAN) && ((*pNumber == 0) || (*pNumber == 1))) {
+            return (*pNumber == 1) ? "true" : "false";
         }
         return std::to_string(*pNumber);
+    }
+    if (const auto* const pOther = std::get_if<sql::OtherValue>(&value)) {
+        return pOther->text;
     }
     const auto* const pText = std::get_if<std::string>(&value);
     return (pText != nullptr) ? *pText : "";
 }
+
+}  // namespace brantel

@@ -1,8 +1,7 @@
 #ifndef APPS_TABLES_EVENT_TABLES_H
 #define APPS_TABLES_EVENT_TABLES_H
 
-// The seven tables of the event-management database as data, and what is right in a row of them beyond what the
-// definitions say.
+// The seven tables of the event-management database as data, and the checks of their rows beyond the definitions.
 
 #include <cstddef>
 #include <cstdint>
@@ -10,42 +9,56 @@
 #include <string>
 #include <vector>
 
-#include "EvmDatabase.h"
 #include "rules/RuleDiagnosis.h"
 #include "sql/Database.h"
+#include "tables/Place.h"
 
-/// What a row of a table says.
+namespace brantel {
+
+/// The largest number in a row.
+constexpr std::int64_t MAX_NUMBER = 4294967295;
+
+/// The longest rule that is stored, in bytes: monitors and both file formats keep it in one line.
+constexpr std::size_t MAX_RULE_LENGTH = 65536;
+
+/// What the rows of a table are about.
 enum class EventTableKind {
     CONFIGURATION,  ///< whether a component or a card may raise events
-    ALLOW,          ///< by which rule events of an OID are allowed
-    IGNORE,         ///< that events of an OID are ignored
-    CHANGES         ///< that the rows of a component or a card in another table changed
+    ALLOW,          ///< the rules by which events of objects are allowed
+    IGNORE,         ///< the objects whose events are ignored
+    CHANGES         ///< which rows of the other tables changed
 };
 
 class EventTable {
 public:
-    EventTable(const std::string& name, const sql::Definition& definition, EventTableKind kind);
+    /// The columns end with an empty field.
+    EventTable(const std::string& name, const std::vector<sql::Field>& columns, EventTableKind kind,
+               std::optional<Place::Kind> placeKind);
 
     const std::string& name() const { return m_definition.name; }
     const sql::TableDefinition& definition() const { return m_definition; }
     EventTableKind kind() const { return m_kind; }
 
+    /// Whether its rows are about slots or components; nothing for the row-change table, whose rows are about either.
+    std::optional<Place::Kind> placeKind() const { return m_placeKind; }
+
     /// The columns, without the empty field.
-    const std::vector<sql::Field>& columns() const { return m_columns; }
+    const std::vector<sql::Field>& columns() const { return m_definition.columns; }
 
-    /// The position of the column that names the component or the slot.
-    std::size_t ownerColumn() const { return (m_kind == EventTableKind::CONFIGURATION) ? 0 : 1; }
+    /// The position and the name of the column with the number of the slot or component.
+    std::size_t placeColumn() const { return (m_kind == EventTableKind::CONFIGURATION) ? 0 : 1; }
+    const std::string& placeColumnName() const { return columns()[placeColumn()].name(); }
 
-    /// What the owners of its rows are called: "component" or "slot".
-    std::string ownerWord() const;
+    /// Whether it is an allow or an ignore list, which has each entry once.
+    bool isList() const { return (m_kind == EventTableKind::ALLOW) || (m_kind == EventTableKind::IGNORE); }
 
-    /// Whether rows are numbered by the database, in a first column "RowIndex" that says nothing else.
+    /// Whether rows are numbered by the database, in a first column "RowIndex" without other meaning.
     bool hasRowIndex() const { return m_kind != EventTableKind::CONFIGURATION; }
 
 private:
     sql::TableDefinition m_definition;
     EventTableKind m_kind;
-    std::vector<sql::Field> m_columns;
+    std::optional<Place::Kind> m_placeKind;
 };
 
 /// All seven, the row-change table last.
@@ -57,31 +70,38 @@ std::vector<sql::TableDefinition> eventTableDefinitions();
 /// The table of that name, in any letter case; null if there is none.
 const EventTable* findEventTable(const std::string& name);
 
-const EventTable& componentConfigTable();
-const EventTable& ifcCardsConfigTable();
-const EventTable& rowChangeTable();
-const EventTable& allowIgnoreTable(eventMgmt::AllowIgnoreTableId id);
+/// The same for a name on the command line. Throws CommandError.
+const EventTable& requireEventTable(const std::string& name);
 
-/// What is wrong with a value of a row.
+/// The configuration, the allow list or the ignore list of the slots or of the components.
+const EventTable& tableFor(EventTableKind kind, Place::Kind placeKind);
+
+const EventTable& rowChangeTable();
+
+/// The columns that make an entry of a list: all but the RowIndex.
+std::vector<std::string> entryColumns(const EventTable& list);
+
+/// A fault of a value of a row.
 struct RowFault {
     std::string column;
     std::string reason;
-    std::optional<RuleFault> ruleFault;  ///< where it is in the text of a rule
+    std::optional<RuleFault> ruleFault;  ///< its position in the text of a rule
 };
 
-/// Everything that is wrong with a row that its table holds or shall hold: a number that is not one of 32 bits, an OID
-/// that is not written as one, a rule that the parser refuses or that can never be evaluated, a text that is not one
-/// line of UTF-8.
+/// All faults of a row of a table: a number of more than 32 bits, an OID in another form, a rule that is too long,
+/// refused or never evaluated, a text that is not one line of UTF-8, a change in a table that does not exist.
 std::vector<RowFault> faultsOfRow(const EventTable& table, const sql::Row& row);
 
-/// Why a rule text can not be stored; nothing if it can.
+/// Why a rule text cannot be stored; nothing if it can.
 std::optional<RuleFault> faultOfStoredRule(const std::string& rule);
 
 /// An OID as it is stored: decimal, without leading zeros. Nothing if the text, decimal or hexadecimal after "0x", is
 /// not a number of 32 bits.
 std::optional<std::string> canonicalOid(const std::string& text);
 
-/// A value as people read it: "true" and "false" in a BOOLEAN column.
+/// A value for people: "true" or "false" in a BOOLEAN column; a value that no column may hold, unchanged.
 std::string valueText(const sql::Field& field, const sql::Value& value);
+
+}  // namespace brantel
 
 #endif

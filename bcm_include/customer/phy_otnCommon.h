@@ -4,10 +4,10 @@
 // Which port of the NPU serves a slot's backplane link: the five backplanes as tables, and the lookup in the one that
 // the node has.
 //
-// The node's backplane type stands in a System V shared-memory segment that another process of the node creates, fills
-// and removes. It is read afresh before each step of a lookup and nothing is kept, so a type published meanwhile takes
-// effect at the next step. The segment is attached for the moment of one read only. Any number of threads may look up
-// at once.
+// The node's backplane type is in a System V shared-memory segment that another process of the node creates, fills
+// and removes. It is read afresh before each step of a lookup and nothing is kept, so a type published during a lookup
+// takes effect at the next step. The segment is attached for the moment of one read only. Any number of threads may
+// look up at once.
 
 #include <cstddef>
 #include <cstdint>
@@ -36,7 +36,7 @@ constexpr std::uint32_t N_BACKPLANE_TYPES = 5;
 constexpr std::uint32_t MAX_SLOTS = 15;
 constexpr std::uint32_t MAX_LINKS = 5;
 
-/// Stands in a table for a link without an NPU port.
+/// In a table: a link without an NPU port.
 constexpr std::uint32_t NO_PORT = 24;
 
 struct BackplaneSlot {
@@ -157,7 +157,7 @@ inline const Backplane& currentBackplane()
 /// Writes two lines, whatever the trace level, when the segment names no type.
 inline void reportUnknownBackplaneType()
 {
-    // The line that readers of these messages know, wherever it stands now.
+    // Fixed: readers of these messages know this line number.
     constexpr int REPORTED_LINE = 730;
     if (!readBackplaneType()) {
         syslog(LOG_ERR, "SWERR ERROR DETECTED: %s %d ", __FILE__, REPORTED_LINE);
@@ -168,7 +168,7 @@ inline void reportUnknownBackplaneType()
 }  // namespace phy_otnCommon
 
 /// The NPU port of a slot's backplane link, both counted from 0; no value when the node's backplane has no such slot or
-/// link, or the link has no port. Reports a backplane type that is unknown, once, and goes on with type 0.
+/// link, or the link has no port. Reports a backplane type that is unknown, once, and then uses type 0.
 inline std::optional<std::uint32_t> phy_getNpuPortForSlotBpPort(std::uint32_t slot, std::uint32_t bpPort)
 {
     using namespace phy_otnCommon;
@@ -177,7 +177,7 @@ inline std::optional<std::uint32_t> phy_getNpuPortForSlotBpPort(std::uint32_t sl
     if (slot >= currentBackplane().nSlots) {
         return std::nullopt;
     }
-    // From here on the type may be another one: its slot has no links where it does not have the slot at all.
+    // The type may have changed since the check above: a slot that the new one does not have has no links.
     if (bpPort >= currentBackplane().slots[slot].nLinks) {
         return std::nullopt;
     }

@@ -4,9 +4,8 @@
 // What is measured: a codec that turns a component's values into bytes and those bytes into a map of values, which is
 // what the library does with a request and an answer.
 //
-// Most peers convert the values to and from messages of their own. What that takes is part of the work; encodeOwn and
-// decodeOwn are the work without it, which only a component that keeps its values in the peer's messages gets away
-// with.
+// Most peers convert the values to and from their own messages. The conversion is part of the work; encodeOwn and
+// decodeOwn leave it out, which only a component that keeps its values in the peer's messages can do.
 
 #include <cstddef>
 #include <memory>
@@ -33,7 +32,7 @@ public:
 
     virtual bool hasOwnForm() const { return false; }
 
-    /// Encodes the message that encode() made on the way. False on failure.
+    /// Encodes the message that encode() has made. False on failure.
     virtual bool encodeOwn() { return false; }
 
     /// Decodes into a message only. False on failure.

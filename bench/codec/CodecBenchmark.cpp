@@ -1,6 +1,6 @@
 // Measures how long a component's values take to be encoded and decoded, in the library and in its peers, on the same
-// values. Before anything is measured, what each codec decodes is compared with what it encoded. The limit is to copy
-// the library's bytes.
+// values. Before anything is measured, what each codec decodes is compared with what it encoded. The lower bound is a
+// copy of the library's bytes.
 //
 // The benchmarks are named <what>/<number of values>/<by whom>; the time of one iteration is that of all its values.
 
@@ -25,7 +25,7 @@ constexpr struct {
     {"msgpack", makeMsgpackCodec}, {"netsnmp", makeNetSnmpCodec},
 };
 
-// One kind of value after the other, as many bits in use as counters have after a while.
+// One kind of value after the other, with as many bits in use as counters have after a while.
 OidTypeValueContainer makeValues(std::uint32_t count)
 {
     OidTypeValueContainer values;

@@ -7,7 +7,7 @@ namespace {
 
 using Packer = msgpack::packer<msgpack::sbuffer>;
 
-// A stream is an array of values, a value an array of its OID, its type code and itself.
+// A stream is an array of values, a value an array of OID, type code and value.
 void pack(Packer& packer, const OidTypeValue& value)
 {
     packer.pack_array(3);

@@ -1,8 +1,8 @@
-#include <pb_decode.h>
-#include <pb_encode.h>
-
 #include <algorithm>
 #include <cstring>
+
+#include <pb_decode.h>
+#include <pb_encode.h>
 
 #include "Codec.h"
 #include "values.nanopb.h"

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <iterator>
 
-// Behind all others: they claim names like "oid".
+// Last, because they define names like "oid".
 #include <net-snmp/net-snmp-config.h>
 
 #include <net-snmp/net-snmp-includes.h>
 
 namespace {
 
-// Where the OIDs of the cards stand in the tree of names, as those of any maker do: under one enterprise.
+// Where the OIDs of the cards are in the tree of names: under one enterprise, like those of any vendor.
 constexpr oid ENTERPRISE[] = {1, 3, 6, 1, 4, 1, 54321};
 constexpr std::size_t NAME_LENGTH = std::size(ENTERPRISE) + 1;
 

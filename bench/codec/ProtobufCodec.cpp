@@ -56,7 +56,7 @@ public:
     bool decodeOwn() override { return m_decoded.ParseFromString(m_bytes); }
 
 private:
-    // Kept from one time to the next, so that their parts are allocated once only.
+    // Kept between calls, so that their parts are allocated only once.
     codecBenchmark::Values m_message;
     codecBenchmark::Values m_decoded;
     std::string m_bytes;

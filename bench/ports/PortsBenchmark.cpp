@@ -1,5 +1,5 @@
-// Times each slot/link operation against a real segment, and right beside it the bare shmget, shmat and shmdt calls
-// that the operation must make. Fails if an operation costs more than 5 % on top of them.
+// Times each slot/link operation against a real segment, and next to it the bare shmget, shmat and shmdt calls
+// that the operation must make. Fails if an operation costs more than 5 % above them.
 //
 //     ports_benchmark [batches]
 
@@ -68,7 +68,7 @@ bool compare(const char* name, int nReads, int nBatches, const std::function<voi
 int main(int argc, char** argv)
 {
     const int nBatches = (argc > 1) ? std::max(1, std::atoi(argv[1])) : 500;
-    unshare(CLONE_NEWIPC);  // where it may, it has shared memory of its own
+    unshare(CLONE_NEWIPC);  // with its own shared memory, if permitted
     try {
         const Segment segment;
         const DefaultKatanaDataPortsConfig ports;

@@ -1,6 +1,6 @@
-// Times IcscClientProxy::getOidsSync with one OID, answered by a service in another process, and beside it a bare
-// request and reply of ZeroMQ, as many bytes each way, answered by a third process. Both go over ipc. Fails if fewer
-// than 80 % of the bare round trips are made in a second.
+// Times IcscClientProxy::getOidsSync with one OID, answered by a service in another process, and next to it a bare
+// request and reply of ZeroMQ, with as many bytes each way, answered by a third process. Both go over ipc. Fails if
+// fewer than 80 % of the bare round trips are made in a second.
 //
 //     roundtrip_benchmark [batches]
 

@@ -1,23 +1,35 @@
 #include "support/Allocations.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
+#include <malloc.h>
+
 namespace {
 
-thread_local std::size_t allocations = 0;
-thread_local std::size_t failingAllocation = 0;  // counted like `allocations`; 0 is none
+thread_local AllocationTotals totals;
+thread_local std::size_t failingAllocation = 0;  // counted like totals.count; 0 is none
 
 void* allocate(std::size_t size)
 {
-    if (++allocations == failingAllocation) {
+    totals.bytes += size;
+    if (++totals.count == failingAllocation) {
         throw std::bad_alloc();
     }
-    void* const memory = std::malloc((size == 0) ? 1 : size);
-    if (memory == nullptr) {
+    void* const pMemory = std::malloc((size == 0) ? 1 : size);
+    if (pMemory == nullptr) {
         throw std::bad_alloc();
     }
-    return memory;
+    totals.liveBytes += malloc_usable_size(pMemory);
+    totals.peakBytes = std::max(totals.peakBytes, totals.liveBytes);
+    return pMemory;
+}
+
+void release(void* pMemory)
+{
+    totals.liveBytes -= malloc_usable_size(pMemory);
+    std::free(pMemory);
 }
 
 }  // namespace
@@ -32,34 +44,34 @@ void* operator new[](std::size_t size)
     return allocate(size);
 }
 
-void operator delete(void* memory) noexcept
+void operator delete(void* pMemory) noexcept
 {
-    std::free(memory);
+    release(pMemory);
 }
 
-void operator delete[](void* memory) noexcept
+void operator delete[](void* pMemory) noexcept
 {
-    std::free(memory);
+    release(pMemory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept
+void operator delete(void* pMemory, std::size_t) noexcept
 {
-    std::free(memory);
+    release(pMemory);
 }
 
-void operator delete[](void* memory, std::size_t) noexcept
+void operator delete[](void* pMemory, std::size_t) noexcept
 {
-    std::free(memory);
+    release(pMemory);
 }
 
-std::size_t allocationCount()
+AllocationTotals& allocationTotals()
 {
-    return allocations;
+    return totals;
 }
 
 FailingAllocation::FailingAllocation(std::size_t number)
 {
-    failingAllocation = allocations + number;
+    failingAllocation = totals.count + number;
 }
 
 FailingAllocation::~FailingAllocation()
@@ -69,5 +81,5 @@ FailingAllocation::~FailingAllocation()
 
 bool FailingAllocation::hasFailed() const
 {
-    return allocations >= failingAllocation;
+    return totals.count >= failingAllocation;
 }

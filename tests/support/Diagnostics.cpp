@@ -59,7 +59,7 @@ bool startsWith(const std::string& text, const std::string& start)
 
 }  // namespace
 
-// Takes the place of the C library's for the whole test program.
+// Replaces the C library's in the whole test program.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format, ...)
 {

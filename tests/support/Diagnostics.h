@@ -2,7 +2,7 @@
 #define TESTS_SUPPORT_DIAGNOSTICS_H
 
 // Captures what the library writes to syslog and reports through logAssertFailed, as one list of texts in the order in
-// which it happened. Lines show priority, format and formatted text; "#" stands for the source line. Any thread may
+// which it happened. Lines show priority, format and formatted text; "#" replaces the source line. Any thread may
 // write.
 
 #include <cstdint>

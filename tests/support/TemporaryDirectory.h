@@ -3,7 +3,7 @@
 
 #include <string>
 
-// A directory of its own for one test, removed with all that is in it.
+// A directory for one test, removed with its content.
 class TemporaryDirectory {
 public:
     TemporaryDirectory();

@@ -1,9 +1,9 @@
 // A component that writes and reads the cards of all ten slots, one of which may go and come back at any time, and
-// tells from each answer whose it is: it writes the number of its write, along with its own and the slot's.
+// recognises each answer: it writes the number of its write, along with its own and the slot's.
 //
 //     card_calls COMPONENT CALLS RESTARTED_SLOT
 //
-// COMPONENT is 0 or 1; each has an object of its own on every card. Fails if
+// COMPONENT is 0 or 1; each has its own object on every card. Fails if
 //     a call of another slot fails, or reads anything but what was written last,
 //     a call of the restarted slot reads anything but what may have been written last or what the card starts with,
 //     an asynchronous read is not answered exactly once,
@@ -66,8 +66,7 @@ struct OwnObject {
 
 constexpr OwnObject OWN_OBJECTS[] = {{0x00010002, OID_TYPE_STRING}, {0x00010009, OID_TYPE_BUFFER}};
 
-// What is known of the own object on one card: the number of its last write, and of the last that surely was carried
-// out.
+// What is known of the caller's object on one card: the numbers of its last write and of its last confirmed one.
 struct Written {
     std::uint64_t last = 0;
     std::uint64_t confirmed = 0;
@@ -119,7 +118,7 @@ public:
         }
     }
 
-    void tell(const Usage& early, const Usage& late) const
+    void print(const Usage& early, const Usage& late) const
     {
         using std::chrono::duration_cast;
         using std::chrono::milliseconds;
@@ -187,7 +186,7 @@ private:
     {
         const auto slot = static_cast<std::uint32_t>(message.serviceName().at(std::string("ICSCClient").size()) - '0');
         const auto request = m_outstanding.find({slot, message.sequenceNumber()});
-        require(request != m_outstanding.end(), "an answer that nobody waits for");
+        require(request != m_outstanding.end(), "an answer without a request");
         // A synchronous call may have held the thread for as long.
         require(Clock::now() - request->second.sent < 2 * WAIT_TIME + SLACK, "an asynchronous read took too long");
         OidTypeValueMap values;
@@ -256,7 +255,7 @@ void run(std::uint32_t component, std::uint64_t calls, std::uint32_t restartedSl
     caller.makeCalls(calls);
     caller.finish();
     const Usage late = Usage::now();
-    caller.tell(early, late);
+    caller.print(early, late);
     require(late.descriptors <= early.descriptors, "descriptors have grown");
     require(late.memory <= early.memory + MEMORY_SLACK, "memory has grown");
 }

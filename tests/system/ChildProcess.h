@@ -1,16 +1,18 @@
 #ifndef TESTS_SYSTEM_CHILD_PROCESS_H
 #define TESTS_SYSTEM_CHILD_PROCESS_H
 
-// A program that runs beside the test, and can be sent signals.
+// A program that runs in the background and can be sent signals.
 
 #include <string>
 #include <vector>
 
 #include <sys/types.h>
 
+namespace brantel {
+
 class ChildProcess {
 public:
-    /// `environment` is NAME=VALUE, added to the test's own. Output and diagnostics are added to the file `output`.
+    /// `environment` is NAME=VALUE, added to the test's. Output and diagnostics are appended to the file `output`.
     ChildProcess(const std::string& program, const std::vector<std::string>& arguments,
                  const std::vector<std::string>& environment, const std::string& output);
 
@@ -34,5 +36,7 @@ private:
     bool m_isRunning = true;
     double m_processorTime = 0;
 };
+
+}  // namespace brantel
 
 #endif

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <tuple>
 
+namespace brantel {
 namespace {
 
 constexpr std::int64_t LARGEST_INT = 2147483647;
@@ -185,3 +186,5 @@ std::string csvOf(const std::vector<RecordedSeries>& series, const std::string& 
     }
     return csv.str();
 }
+
+}  // namespace brantel

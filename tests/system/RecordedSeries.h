@@ -9,9 +9,11 @@
 #include <string>
 #include <vector>
 
-/// What a change of a condition looks like in the journal.
+namespace brantel {
+
+/// A change of a condition, as in the journal.
 struct SeriesEvent {
-    std::size_t row;  ///< of the sample that brought it, from 1; not compared, the journal does not tell
+    std::size_t row;  ///< of the sample that caused it, from 1; not compared, as the journal does not have it
     std::string condition;
     bool isRaised;
     std::int64_t value;
@@ -32,5 +34,7 @@ RecordedSeries makeSeries(std::size_t index, std::size_t nSamples);
 
 /// The series as the columns of a CSV file; `firstColumn` counts the rows from 1, unless it is empty.
 std::string csvOf(const std::vector<RecordedSeries>& series, const std::string& firstColumn);
+
+}  // namespace brantel
 
 #endif

@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "cards/StopOnSignals.h"
-#include "cards/TlvElements.h"
+#include "cards/Tlv.h"
+#include "common/Signals.h"
 #include "icsc/OBappsToICSC_1_0_C.h"
 #include "message/OBcomponent.h"
 
@@ -47,7 +47,7 @@ public:
 protected:
     void ICSCRead(const OBmessage& request, int, const buffer_t& tlvs) override
     {
-        const std::vector<buffer_t> elements = elementsOf(tlvs).value();
+        const std::vector<buffer_t> elements = brantel::elementsOf(tlvs).value();
         buffer_t answer;
         answer << static_cast<std::uint32_t>(elements.size());
         for (const buffer_t& element : elements) {
@@ -79,7 +79,7 @@ int main(int argc, char** argv)
     const int nCards = (argc > 1) ? std::atoi(argv[1]) : 1;       // NOLINT(cert-err34-c)
     const int silentSlot = (argc > 2) ? std::atoi(argv[2]) : -1;  // NOLINT(cert-err34-c)
     OBcomponent component("simple cards");
-    const StopOnSignals stopOnSignals(component);
+    const brantel::StopOnSignals stopOnSignals([&] { component.stop(); });
     std::vector<std::unique_ptr<SimpleCard>> cards;
     for (int slot = 0; slot < nCards; ++slot) {
         const std::string name = "ICSCClient" + std::to_string(slot) + ".ReadWriteAsync";

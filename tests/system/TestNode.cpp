@@ -4,14 +4,19 @@
 
 #include <gtest/gtest.h>
 
+namespace brantel {
+
 TestNode::TestNode() : m_environment{"BRANTEL_DB=" + path("events.db"), "XDG_RUNTIME_DIR=" + m_directory.path()}
 {
     EXPECT_EQ(run({"db", "init"}).exitCode, 0);
 }
 
-CommandResult TestNode::run(const std::vector<std::string>& arguments) const
+CommandResult TestNode::run(const std::vector<std::string>& arguments,
+                            const std::vector<std::string>& environment) const
 {
-    return runProgram(BRANTEL_COMMAND, arguments, {"", "", "", m_environment});
+    std::vector<std::string> all = m_environment;
+    all.insert(all.end(), environment.begin(), environment.end());
+    return runProgram(BRANTEL_COMMAND, arguments, {"", "", "", all});
 }
 
 std::unique_ptr<ChildProcess> TestNode::start(const std::vector<std::string>& arguments, const std::string& name) const
@@ -44,7 +49,7 @@ std::vector<Event> TestNode::journal() const
     std::vector<Event> events;
     std::istringstream lines(contentOf(path("journal")));
     for (std::string line; std::getline(lines, line) && !lines.eof();) {
-        const std::optional<Event> event = eventOfJsonLine(line);
+        const std::optional<Event> event = parseEvent(line);
         EXPECT_TRUE(event) << line;
         if (event) {
             events.push_back(*event);
@@ -53,7 +58,7 @@ std::vector<Event> TestNode::journal() const
     return events;
 }
 
-std::optional<double> TestNode::figure(const std::string& name) const
+std::optional<double> TestNode::metric(const std::string& name) const
 {
     std::istringstream lines(contentOf(path("metrics")));
     const std::string start = "brantel_monitor_" + name + " ";
@@ -64,3 +69,5 @@ std::optional<double> TestNode::figure(const std::string& name) const
     }
     return std::nullopt;
 }
+
+}  // namespace brantel

@@ -1,7 +1,7 @@
 #ifndef TESTS_SYSTEM_TEST_NODE_H
 #define TESTS_SYSTEM_TEST_NODE_H
 
-// A node in a folder of its own: database, cards and monitors, all run as the command.
+// A node in a temporary folder: database, cards and monitors, all run as the command.
 
 #include <chrono>
 #include <cstdint>
@@ -13,19 +13,21 @@
 #include <thread>
 #include <vector>
 
-#include "apps/CommandRun.h"
 #include "monitor/Event.h"
+#include "support/CommandRun.h"
 #include "support/TemporaryDirectory.h"
 #include "system/ChildProcess.h"
 
-/// How much of a test is done: the number in the environment variable, or else the one for a short run.
+namespace brantel {
+
+/// The size of a test: the number in the environment variable; default: the one for a short run.
 inline std::size_t amount(const char* variable, std::size_t shortRun)
 {
     const char* const pText = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): there is one thread
     return (pText == nullptr) ? shortRun : static_cast<std::size_t>(std::strtoul(pText, nullptr, 10));
 }
 
-/// Looks again and again until `isDone`, for at most `limit`.
+/// Polls until `isDone`, for at most `limit`.
 inline bool waitUntil(const std::function<bool()>& isDone, std::chrono::seconds limit)
 {
     const auto deadline = std::chrono::steady_clock::now() + limit;
@@ -45,8 +47,9 @@ public:
     std::string path(const std::string& name) const { return m_directory.path() + "/" + name; }
     std::string write(const std::string& name, const std::string& text) const { return m_directory.write(name, text); }
 
-    /// Runs the command to its end.
-    CommandResult run(const std::vector<std::string>& arguments) const;
+    /// Runs the command to its end. `environment` is NAME=VALUE, added to the node's.
+    CommandResult run(const std::vector<std::string>& arguments,
+                      const std::vector<std::string>& environment = {}) const;
 
     /// Starts the command, with its output in the file `name`.
     std::unique_ptr<ChildProcess> start(const std::vector<std::string>& arguments, const std::string& name) const;
@@ -58,15 +61,17 @@ public:
     /// Starts a card and waits until it serves.
     std::unique_ptr<ChildProcess> startCard(std::uint32_t slot, const std::vector<std::string>& arguments) const;
 
-    /// The whole lines of the journal "journal", as events; fails the test for a line that is none.
+    /// The whole lines of the journal "journal", as events; a line that is not an event fails the test.
     std::vector<Event> journal() const;
 
-    /// A figure of the file "metrics", by its name and labels; nothing if it is not there yet.
-    std::optional<double> figure(const std::string& name) const;
+    /// A metric of the file "metrics", by its name and labels; nothing if it is not there yet.
+    std::optional<double> metric(const std::string& name) const;
 
 private:
     TemporaryDirectory m_directory;
     std::vector<std::string> m_environment;
 };
+
+}  // namespace brantel
 
 #endif

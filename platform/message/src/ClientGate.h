@@ -1,8 +1,8 @@
 #ifndef MESSAGE_CLIENT_GATE_H
 #define MESSAGE_CLIENT_GATE_H
 
-// Decides which callers from other hosts may connect to a service with keys: ZeroMQ asks for each of them over its
-// authentication protocol (ZAP), and a thread of the process answers from the services' lists.
+// Admits callers from other hosts to services with keys: for each, ZeroMQ sends a request over its authentication
+// protocol (ZAP), and a thread of the process answers it from the services' lists.
 
 #include <map>
 #include <mutex>
@@ -22,7 +22,7 @@ public:
     ClientGate(const ClientGate&) = delete;
     ClientGate& operator=(const ClientGate&) = delete;
 
-    /// From now on `service` admits the callers with these public keys, and nobody else. Any thread.
+    /// From now on `service` admits the callers with these public keys and no others. Any thread.
     void setClients(const std::string& service, std::set<std::string> publicKeys);
 
 private:

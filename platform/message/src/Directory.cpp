@@ -1,6 +1,8 @@
 #include "Directory.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
@@ -10,7 +12,7 @@
 #include <sys/un.h>
 
 #include "FileDescriptor.h"
-#include "KeyFiles.h"
+#include "Keys.h"
 #include "SystemError.h"
 #include "TextFile.h"
 
@@ -54,13 +56,25 @@ void checkIpcEndpoint(const std::string& endpoint)
     }
 }
 
+bool isPort(const std::string& text)
+{
+    std::uint16_t number = 0;
+    const char* const pEnd = text.data() + text.size();
+    const auto [pRest, error] = std::from_chars(text.data(), pEnd, number);
+    return (text == "*") || ((error == std::errc()) && (pRest == pEnd) && (number != 0));
+}
+
 std::string hostOf(const std::string& tcpEndpoint)
 {
-    const std::size_t posPort = tcpEndpoint.rfind(':');
-    if ((posPort < TCP.size() + 1) || (posPort + 1 == tcpEndpoint.size())) {
+    const std::size_t posColon = tcpEndpoint.rfind(':');
+    if ((posColon < TCP.size() + 1) || (posColon + 1 == tcpEndpoint.size())) {
         throw LineError("'" + tcpEndpoint + "' is not tcp://host:port");
     }
-    return tcpEndpoint.substr(TCP.size(), posPort - TCP.size());
+    const std::string port = tcpEndpoint.substr(posColon + 1);
+    if (!isPort(port)) {
+        throw LineError("'" + port + "' is not a port: it must be 1 to 65535, or * to serve at a free one");
+    }
+    return tcpEndpoint.substr(TCP.size(), posColon - TCP.size());
 }
 
 bool isLoopback(const std::string& host)
@@ -73,7 +87,7 @@ void checkTcpEndpoint(const Route& route, bool isPlainAllowed)
 {
     const bool needsKeys = !isLoopback(hostOf(route.endpoint)) && !isPlainAllowed;
     if (needsKeys && route.ownKeyFile.empty()) {
-        throw LineError("'" + route.endpoint + "' leaves this host without keys; give own-key=, or say plain");
+        throw LineError("'" + route.endpoint + "' leaves this host without keys; add own-key= or plain");
     }
 }
 
@@ -82,7 +96,7 @@ void checkKeys(const Route& route, bool isPlainAllowed)
     const bool hasKeys = !route.ownKeyFile.empty();
     const bool hasPeers = !route.serviceKey.empty() || !route.clientsFile.empty();
     if (hasKeys && isPlainAllowed) {
-        throw LineError("plain and own-key= exclude each other");
+        throw LineError("plain and own-key= are mutually exclusive");
     }
     if (hasKeys != hasPeers) {
         throw LineError("own-key= goes with service-key= (to call), clients= (to serve) or both");
@@ -102,7 +116,8 @@ void checkEndpoint(const Route& route, bool isPlainAllowed)
     } else if (startsWith(route.endpoint, TCP)) {
         checkTcpEndpoint(route, isPlainAllowed);
     } else if (!startsWith(route.endpoint, INPROC) || (route.endpoint.size() == INPROC.size())) {
-        throw LineError("'" + route.endpoint + "' is none of ipc:///path, tcp://host:port and inproc://name");
+        throw LineError("unknown endpoint '" + route.endpoint +
+                        "': expected ipc:///path, tcp://host:port or inproc://name");
     }
 }
 
@@ -127,7 +142,7 @@ void takeOption(const std::string& word, const std::string& folder, Route& route
     } else if ((option == "clients") && !value.empty()) {
         route.clientsFile = fileIn(folder, value);
     } else {
-        throw LineError("'" + word + "' is none of plain, own-key=FILE, service-key=KEY and clients=FILE");
+        throw LineError("unknown option '" + word + "': expected plain, own-key=FILE, service-key=KEY or clients=FILE");
     }
 }
 
@@ -152,7 +167,7 @@ void Directory::addEntry(const std::vector<std::string>& words, const std::strin
 {
     const std::string& name = words.front();
     if (!isServiceName(name)) {
-        throw LineError("'" + name + "' is not a service's name");
+        throw LineError("'" + name + "' is not a service name");
     }
     if (words.size() < 2) {
         throw LineError("'" + name + "' has no endpoint");
@@ -166,14 +181,14 @@ void Directory::addEntry(const std::vector<std::string>& words, const std::strin
     checkKeys(route, isPlainAllowed);
     checkEndpoint(route, isPlainAllowed);
     if (!m_routes.emplace(name, route).second) {
-        throw LineError("'" + name + "' stands in the file twice");
+        throw LineError("'" + name + "' is listed twice");
     }
 }
 
 Route Directory::routeTo(const std::string& serviceName) const
 {
     if (!isServiceName(serviceName)) {
-        throw std::runtime_error("'" + serviceName + "' is not a service's name");
+        throw std::runtime_error("'" + serviceName + "' is not a service name");
     }
     const auto entry = m_routes.find(serviceName);
     if (entry != m_routes.end()) {
@@ -195,7 +210,7 @@ std::string runtimeDirectory()
     if ((::mkdir(path.c_str(), S_IRWXU) != 0) && (errno != EEXIST)) {
         throwSystemError(path);
     }
-    // Opened without following a link, so that what is checked cannot be somebody else's directory behind one.
+    // Opened without following a link, so that what is checked cannot be another user's directory behind one.
     const FileDescriptor directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
     if (!directory || (::fstat(directory.get(), &status) != 0)) {

@@ -1,9 +1,9 @@
 #ifndef MESSAGE_DIRECTORY_H
 #define MESSAGE_DIRECTORY_H
 
-// Where services are: the one place that turns a service's name into an endpoint and the keys that protect it. A
-// directory file says so for the names that it lists (docs/messages.md has the format); every other service is a socket
-// in the private runtime directory of this host's user.
+// Where services are: turns a service name into an endpoint and the keys that protect it. A directory file does so for
+// the names that it lists (docs/messages.md has the format); every other service is a socket in the private runtime
+// directory of this host's user.
 
 #include <map>
 #include <string>
@@ -11,7 +11,7 @@
 
 namespace obmessage {
 
-/// The road to one service. Without keys the traffic is plain.
+/// The way to one service. Without keys the traffic is plain.
 struct Route {
     std::string endpoint;     // ipc://, tcp:// or inproc://
     std::string ownKeyFile;   // the key pair of this process, as caller or as service
@@ -24,11 +24,11 @@ public:
     /// Lists no names.
     Directory() = default;
 
-    /// Throws std::runtime_error, with file and line, if the file cannot be read or says something that is refused.
+    /// Throws std::runtime_error, with file and line, if the file cannot be read or an entry is refused.
     explicit Directory(const std::string& file);
 
-    /// Throws std::runtime_error if `serviceName` is none, or if it is not listed and the runtime directory cannot be
-    /// used; creates the runtime directory if need be.
+    /// Throws std::runtime_error if `serviceName` is not a service name, or if it is not listed and the runtime
+    /// directory cannot be used; creates the runtime directory if necessary.
     Route routeTo(const std::string& serviceName) const;
 
 private:
@@ -38,8 +38,8 @@ private:
 };
 
 /// The directory that holds this user's sockets, created with mode 0700 if it is not there: brantel under
-/// $XDG_RUNTIME_DIR; where that is not set, /run/brantel for root and /tmp/brantel-<user id> for everybody else. Throws
-/// std::runtime_error if it cannot be created, belongs to somebody else or is open to others.
+/// $XDG_RUNTIME_DIR; where that is not set, /run/brantel for root and /tmp/brantel-<user id> for all others. Throws
+/// std::runtime_error if it cannot be created, belongs to another user or is open to others.
 std::string runtimeDirectory();
 
 }  // namespace obmessage

@@ -23,6 +23,11 @@ constexpr std::uint64_t TIMER_ID = 2;
 // A source that never runs dry leaves the others their turn after this many messages.
 constexpr int MAX_MESSAGES_PER_TURN = 64;
 
+// A deadline that is noticed this late passed while the process was stopped. The answers that it waited for may have
+// arrived, so they are taken first, for as long as CATCH_UP_TIME.
+constexpr std::chrono::seconds LATE(1);
+constexpr std::chrono::seconds CATCH_UP_TIME(1);
+
 FileDescriptor required(int descriptor, const char* what)
 {
     if (descriptor < 0) {
@@ -112,7 +117,7 @@ void Dispatcher::lookAt(DispatchSource& source)
 {
     const auto entry = registrationOf(source);
     const bool isBeingHandled = entry->first == m_idBeingHandled;  // then it is handled until it is empty anyway
-    if (!isBeingHandled && source.hasMessage()) {
+    if (!isBeingHandled && source.hasWork()) {
         entry->second.isReady = true;
         wake();
     }
@@ -223,6 +228,9 @@ std::size_t Dispatcher::handleMessagesOf(SourceId id)
 std::size_t Dispatcher::handleDeadlines()
 {
     const Clock::time_point now = Clock::now();
+    if (mustCatchUp(now)) {
+        return 0;
+    }
     std::size_t handled = 0;
     for (auto entry = m_sources.begin(); entry != m_sources.end();) {
         const SourceId id = entry->first;
@@ -233,11 +241,22 @@ std::size_t Dispatcher::handleDeadlines()
             entry = m_sources.upper_bound(id);
         }
     }
+    m_catchUpEnd.reset();
     return handled;
 }
 
-// Sets the timer to the earliest deadline of all sources, if it is not set to it already.
-void Dispatcher::setTimer()
+bool Dispatcher::mustCatchUp(Clock::time_point now)
+{
+    const std::optional<Clock::time_point> earliest = earliestDeadline();
+    if (!earliest || (*earliest + LATE > now)) {
+        m_catchUpEnd.reset();
+    } else if (!m_catchUpEnd) {
+        m_catchUpEnd = now + CATCH_UP_TIME;
+    }
+    return m_catchUpEnd && (now < *m_catchUpEnd);
+}
+
+std::optional<Clock::time_point> Dispatcher::earliestDeadline() const
 {
     std::optional<Clock::time_point> earliest;
     for (const auto& entry : m_sources) {
@@ -246,15 +265,25 @@ void Dispatcher::setTimer()
             earliest = deadline;
         }
     }
-    if (earliest == m_timerDeadline) {
+    return earliest;
+}
+
+// Sets the timer to when the next deadline is to be handled, if it is not set to it already.
+void Dispatcher::setTimer()
+{
+    std::optional<Clock::time_point> next = earliestDeadline();
+    if (next && m_catchUpEnd) {
+        next = std::max(*next, *m_catchUpEnd);
+    }
+    if (next == m_timerDeadline) {
         return;
     }
     itimerspec setting = {};
-    if (earliest) {
-        setting.it_value = timespecOf(*earliest);
+    if (next) {
+        setting.it_value = timespecOf(*next);
     }
     ::timerfd_settime(m_timer.get(), TFD_TIMER_ABSTIME, &setting, nullptr);
-    m_timerDeadline = earliest;
+    m_timerDeadline = next;
 }
 
 void Dispatcher::run()

@@ -5,7 +5,7 @@
 // directory. It waits on one epoll set: the sources' descriptors, a timer for the earliest deadline, and an event that
 // wakes it for what no descriptor announces.
 //
-// A ZeroMQ descriptor tells of a change only, and any use of the socket may swallow it: a source that became readable
+// A ZeroMQ descriptor reports changes only, and any use of the socket may swallow one: a source that became readable
 // counts as ready until it was found empty, and one that is used outside its own handling must be looked at again
 // (lookAt).
 
@@ -29,9 +29,10 @@ public:
     virtual ~DispatchSource() = default;
 
     virtual int descriptor() const = 0;
-    virtual bool hasMessage() const = 0;
+    /// Whether there is something to do for handleMessage().
+    virtual bool hasWork() const = 0;
 
-    /// Handles one message; false if there was none.
+    /// Sends what was held and can leave now, and handles one message; false if there was none.
     virtual bool handleMessage() = 0;
 
     virtual std::optional<Clock::time_point> nextDeadline() const = 0;
@@ -78,6 +79,8 @@ private:
     std::size_t handleReadySources();
     std::size_t handleMessagesOf(SourceId id);
     std::size_t handleDeadlines();
+    bool mustCatchUp(Clock::time_point now);
+    std::optional<Clock::time_point> earliestDeadline() const;
     void setTimer();
 
     std::string m_componentName;
@@ -89,6 +92,7 @@ private:
     SourceId m_lastId;
     SourceId m_idBeingHandled = 0;
     std::optional<Clock::time_point> m_timerDeadline;
+    std::optional<Clock::time_point> m_catchUpEnd;  // until then deadlines wait
     std::atomic<bool> m_isStopping{false};
     bool m_isDispatching = false;
 };

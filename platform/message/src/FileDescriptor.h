@@ -1,7 +1,7 @@
 #ifndef MESSAGE_FILE_DESCRIPTOR_H
 #define MESSAGE_FILE_DESCRIPTOR_H
 
-// Owns a file descriptor; -1 stands for none.
+// Owns a file descriptor; -1 means none.
 
 #include <utility>
 

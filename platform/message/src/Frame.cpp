@@ -42,8 +42,8 @@ Unsigned getBigEndian(const unsigned char* pBytes)
 
 bool isKind(unsigned char kind)
 {
-    return (kind == static_cast<unsigned char>(FrameKind::Request)) ||
-           (kind == static_cast<unsigned char>(FrameKind::Answer));
+    return (kind == static_cast<unsigned char>(FrameKind::REQUEST)) ||
+           (kind == static_cast<unsigned char>(FrameKind::ANSWER));
 }
 
 void decodeCommonPart(const unsigned char* pBytes, FrameHeader& header)
@@ -83,7 +83,7 @@ EncodedHeader encodeHeader(const FrameHeader& header)
 
 DecodedFrame decodeFrame(ByteView message)
 {
-    DecodedFrame frame{FrameFault::NotAMessage, {}, {message.pBytes, 0}};
+    DecodedFrame frame{FrameFault::NOT_A_MESSAGE, {}, {message.pBytes, 0}};
     const unsigned char* const pBytes = message.pBytes;
     if ((message.length < LENGTH_COMMON_TO_ALL_FORMATS) || (std::memcmp(pBytes, MAGIC, sizeof MAGIC) != 0) ||
         !isKind(pBytes[KIND_OFFSET])) {
@@ -92,31 +92,31 @@ DecodedFrame decodeFrame(ByteView message)
 
     decodeCommonPart(pBytes, frame.header);
     if (pBytes[FORMAT_OFFSET] != FORMAT) {
-        frame.fault = FrameFault::NotUnderstood;
+        frame.fault = FrameFault::NOT_UNDERSTOOD;
         return frame;
     }
     if (message.length < FIXED_HEADER_LENGTH) {
-        frame.fault = FrameFault::TooShort;
+        frame.fault = FrameFault::TOO_SHORT;
         return frame;
     }
 
     const std::size_t nameLength = pBytes[NAME_LENGTH_OFFSET];
     if ((nameLength == 0) || (nameLength > MAX_INTERFACE_NAME_LENGTH)) {
-        frame.fault = FrameFault::NotUnderstood;
+        frame.fault = FrameFault::NOT_UNDERSTOOD;
         return frame;
     }
     if (nameLength > message.length - FIXED_HEADER_LENGTH) {
-        frame.fault = FrameFault::TooShort;
+        frame.fault = FrameFault::TOO_SHORT;
         return frame;
     }
     decodeInterface(pBytes, nameLength, frame.header);
 
     const std::size_t headerLength = FIXED_HEADER_LENGTH + nameLength;
     if (message.length - headerLength > buffer_t::CAPACITY) {
-        frame.fault = FrameFault::TooLong;
+        frame.fault = FrameFault::TOO_LONG;
         return frame;
     }
-    frame.fault = FrameFault::None;
+    frame.fault = FrameFault::NONE;
     frame.payload = {pBytes + headerLength, message.length - headerLength};
     return frame;
 }
@@ -130,11 +130,11 @@ bool isOfInterface(const FrameHeader& header, const OBinterface& interface)
 int resultOfFault(FrameFault fault)
 {
     switch (fault) {
-        case FrameFault::None: return obResult::SUCCESS;
-        case FrameFault::TooShort: return obResult::MESSAGE_TOO_SHORT;
-        case FrameFault::TooLong: return obResult::MESSAGE_TOO_LARGE;
-        case FrameFault::NotUnderstood:
-        case FrameFault::NotAMessage: break;
+        case FrameFault::NONE: return obResult::SUCCESS;
+        case FrameFault::TOO_SHORT: return obResult::MESSAGE_TOO_SHORT;
+        case FrameFault::TOO_LONG: return obResult::MESSAGE_TOO_LARGE;
+        case FrameFault::NOT_UNDERSTOOD:
+        case FrameFault::NOT_A_MESSAGE: break;
     }
     return obResult::INVALID_RESPONSE;
 }

@@ -31,7 +31,7 @@ struct ByteView {
     std::size_t length = 0;
 };
 
-enum class FrameKind : std::uint8_t { Request = 1, Answer = 2 };
+enum class FrameKind : std::uint8_t { REQUEST = 1, ANSWER = 2 };
 
 struct FrameHeader {
     FrameKind kind;
@@ -59,15 +59,15 @@ struct EncodedHeader {
 EncodedHeader encodeHeader(const FrameHeader& header);
 
 enum class FrameFault {
-    None,
-    NotAMessage,    // nothing in the header can be relied on
-    NotUnderstood,  // in this and the faults below, kind, sequence number and timeout or result are known
-    TooShort,
-    TooLong
+    NONE,
+    NOT_A_MESSAGE,   // nothing in the header can be relied on
+    NOT_UNDERSTOOD,  // in this and the faults below, kind, sequence number and timeout or result are known
+    TOO_SHORT,
+    TOO_LONG
 };
 
 struct DecodedFrame {
-    FrameFault fault = FrameFault::None;
+    FrameFault fault = FrameFault::NONE;
     FrameHeader header;  // points into the decoded bytes
     ByteView payload;    // likewise; empty unless the fault is None
 };
@@ -77,7 +77,7 @@ DecodedFrame decodeFrame(ByteView message);
 /// Whether the header names exactly this interface and version.
 bool isOfInterface(const FrameHeader& header, const OBinterface& interface);
 
-/// The result that a message with this fault is answered with, or that stands for it where it was an answer.
+/// The result with which a request with this fault is answered, or which an answer with this fault counts as.
 int resultOfFault(FrameFault fault);
 
 }  // namespace obmessage

@@ -42,7 +42,7 @@ void writeLine(int priority, const char* path, int line, const char* function, c
 #define LOG_MESSAGE_ERROR(...) MESSAGE_LOG_LINE(obmessage::ERROR_THRESHOLD, LOG_ERR, "[ERROR]", __VA_ARGS__)
 #define LOG_MESSAGE_WARNING(...) MESSAGE_LOG_LINE(obmessage::WARNING_THRESHOLD, LOG_WARNING, "[WARNING]", __VA_ARGS__)
 
-// What the default of a handler says that a derived class should have overridden.
+// Logged by the default of a handler that a derived class should have overridden.
 #define LOG_NEVER_CALLED() LOG_MESSAGE_ERROR("Error, this function should never be called [%s]]", __PRETTY_FUNCTION__)
 
 #endif

@@ -1,8 +1,12 @@
 #include "message/OBcomponent.h"
 
 #include <cstdlib>
+#include <exception>
+#include <string_view>
 
+#include "Descriptors.h"
 #include "Dispatcher.h"
+#include "LocalListener.h"
 
 namespace {
 
@@ -28,9 +32,25 @@ OBcomponent::OBcomponent(const std::string& name, const std::string& directoryFi
 
 OBcomponent::~OBcomponent() = default;
 
+void OBcomponent::requireRoomFor(std::size_t nProxies)
+{
+    obmessage::requireDescriptors(obmessage::DESCRIPTORS_OF_CONTEXT + nProxies * obmessage::DESCRIPTORS_OF_CALLER);
+}
+
 const std::string& OBcomponent::name() const
 {
     return m_pDispatcher->componentName();
+}
+
+bool OBcomponent::isServiceAbsent(const std::string& serviceName) const
+{
+    constexpr std::string_view IPC = "ipc://";
+    try {
+        const std::string endpoint = m_pDispatcher->directory().routeTo(serviceName).endpoint;
+        return (endpoint.compare(0, IPC.size(), IPC) == 0) && obmessage::isAbsent(endpoint.substr(IPC.size()));
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 std::size_t OBcomponent::dispatch(std::chrono::milliseconds timeout)

@@ -1,23 +1,17 @@
 #include "message/OBconnection.h"
 
 #include <algorithm>
-#include <map>
 #include <stdexcept>
 #include <utility>
 
 #include "Dispatcher.h"
+#include "EventSource.h"
 #include "Frame.h"
 #include "Log.h"
+#include "OutstandingRequests.h"
 #include "message/OBcomponent.h"
 
 using obmessage::Clock;
-
-namespace {
-
-// A service that never answers refuses requests beyond this many open ones.
-constexpr std::size_t MAX_OPEN_REQUESTS = 1000;
-
-}  // namespace
 
 class OBconnection::Service : private obmessage::DispatchSource {
 public:
@@ -27,7 +21,8 @@ public:
           m_interface(interface),
           m_connection(connection),
           m_pDispatcher(std::move(pDispatcher)),
-          m_socket(m_pDispatcher->directory().routeTo(serviceName), serviceName)
+          m_socket(m_pDispatcher->directory().routeTo(serviceName), serviceName),
+          m_connections(*m_pDispatcher, m_socket.connections())
     {
         m_pDispatcher->add(*this);
     }
@@ -42,19 +37,17 @@ public:
 
     bool reply(std::uint64_t ticket, const buffer_t& payload, int result)
     {
-        const auto open = m_openRequests.find(ticket);
-        if (open == m_openRequests.end()) {
+        const std::optional<OpenRequest> request = m_openRequests.take(ticket);
+        if (!request) {
             return false;
         }
-        const OpenRequest request = open->second;
-        m_openRequests.erase(open);
-        return answer(request.sender,
-                      {obmessage::FrameKind::Answer, request.sequenceNumber, result, request.operation,
+        return answer(request->sender,
+                      {obmessage::FrameKind::ANSWER, request->sequenceNumber, result, request->operation,
                        m_interface.majorVersion, m_interface.minorVersion, m_interface.name},
                       {payload.data(), payload.size()});
     }
 
-    void giveUp(std::uint64_t ticket) { m_openRequests.erase(ticket); }
+    void giveUp(std::uint64_t ticket) { m_openRequests.take(ticket); }
 
 private:
     struct OpenRequest {
@@ -63,10 +56,9 @@ private:
         std::uint8_t operation;
         Clock::time_point deadline;
     };
-    using OpenRequests = std::map<std::uint64_t, OpenRequest>;  // by ticket
 
     int descriptor() const override { return m_socket.descriptor(); }
-    bool hasMessage() const override { return m_socket.hasMessage(); }
+    bool hasWork() const override { return m_socket.hasMessage(); }
 
     bool handleMessage() override
     {
@@ -74,15 +66,15 @@ private:
             return false;
         }
         const obmessage::DecodedFrame frame = obmessage::decodeFrame(m_socket.message());
-        if ((frame.fault == obmessage::FrameFault::NotAMessage) ||
-            (frame.header.kind != obmessage::FrameKind::Request)) {
+        if ((frame.fault == obmessage::FrameFault::NOT_A_MESSAGE) ||
+            (frame.header.kind != obmessage::FrameKind::REQUEST)) {
             ++m_droppedMessages;
             LOG_MESSAGE_WARNING("service %s: dropped what is not a request", name().c_str());
-        } else if (frame.fault != obmessage::FrameFault::None) {
+        } else if (frame.fault != obmessage::FrameFault::NONE) {
             refuseBroken(frame.header, resultOfFault(frame.fault));
         } else if (!isOfInterface(frame.header, m_interface)) {
             refuse(frame.header, obResult::GENERAL_ERROR, "another interface or version");
-        } else if (m_openRequests.size() >= MAX_OPEN_REQUESTS) {
+        } else if (m_openRequests.isFull()) {
             refuse(frame.header, obResult::INTERNAL_ERROR, "too many open requests");
         } else {
             handleRequest(frame);
@@ -95,9 +87,8 @@ private:
     {
         const std::uint64_t ticket = ++m_lastTicket;
         const int timeout = frame.header.timeoutOrResult;
-        m_openRequests.emplace(ticket,
-                               OpenRequest{m_socket.sender(), frame.header.sequenceNumber, frame.header.operation,
-                                           Clock::now() + std::chrono::seconds(std::max(timeout, 0))});
+        m_openRequests.add(ticket, {m_socket.sender(), frame.header.sequenceNumber, frame.header.operation,
+                                    Clock::now() + std::chrono::seconds(std::max(timeout, 0))});
         const OBmessage request(m_pServiceName, frame.header.operation, frame.header.sequenceNumber, timeout, ticket);
         try {
             m_connection.requestReceived(request, buffer_t(frame.payload.pBytes, frame.payload.length));
@@ -107,11 +98,11 @@ private:
         }
     }
 
-    // The answer repeats what was asked.
+    // The answer repeats the header of the request.
     void refuse(obmessage::FrameHeader header, int result, const char* reason)
     {
         LOG_MESSAGE_WARNING("service %s: refused a request: %s", name().c_str(), reason);
-        header.kind = obmessage::FrameKind::Answer;
+        header.kind = obmessage::FrameKind::ANSWER;
         header.timeoutOrResult = result;
         answer(m_socket.sender(), header, {nullptr, 0});
     }
@@ -136,27 +127,15 @@ private:
         return isSent;
     }
 
-    std::optional<Clock::time_point> nextDeadline() const override
-    {
-        const auto first = firstToExpire();
-        return (first == m_openRequests.end()) ? std::nullopt : std::optional(first->second.deadline);
-    }
+    std::optional<Clock::time_point> nextDeadline() const override { return m_openRequests.nextDeadline(); }
 
     bool handleDeadline(Clock::time_point now) override
     {
-        const auto first = firstToExpire();
-        if ((first == m_openRequests.end()) || (first->second.deadline > now)) {
-            return false;
+        const auto ticket = m_openRequests.expiredAt(now);
+        if (ticket) {
+            reply(*ticket, buffer_t(), obResult::TIMEOUT);
         }
-        reply(first->first, buffer_t(), obResult::TIMEOUT);
-        return true;
-    }
-
-    OpenRequests::const_iterator firstToExpire() const
-    {
-        return std::min_element(m_openRequests.begin(), m_openRequests.end(), [](const auto& left, const auto& right) {
-            return left.second.deadline < right.second.deadline;
-        });
+        return ticket.has_value();
     }
 
     const std::shared_ptr<const std::string> m_pServiceName;
@@ -164,7 +143,8 @@ private:
     OBconnection& m_connection;
     const std::shared_ptr<obmessage::Dispatcher> m_pDispatcher;
     obmessage::ServiceSocket m_socket;
-    OpenRequests m_openRequests;
+    obmessage::EventSource m_connections;
+    obmessage::OutstandingRequests<OpenRequest> m_openRequests;  // by ticket
     std::uint64_t m_lastTicket = 0;
     std::uint64_t m_droppedMessages = 0;
 };

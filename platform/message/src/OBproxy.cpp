@@ -6,17 +6,17 @@
 #include <utility>
 
 #include "Dispatcher.h"
+#include "EventSource.h"
 #include "Frame.h"
 #include "Log.h"
+#include "OutstandingRequests.h"
 #include "message/OBcomponent.h"
 #include "message/OBresult.h"
 
 using obmessage::Clock;
+using obmessage::ConnectionWatch;
 
 namespace {
-
-// An asynchronous caller that is never answered is refused beyond this many requests.
-constexpr std::size_t MAX_OUTSTANDING_REQUESTS = 1000;
 
 // A call under way.
 struct Call {
@@ -32,11 +32,12 @@ Clock::time_point afterSeconds(int seconds)
     return Clock::now() + std::chrono::seconds(std::max(seconds, 0));
 }
 
+// Waits for the service until `sendDeadline`; one in the past means not to wait.
 bool sendRequest(obmessage::CallerSocket& socket, const Call& call, const buffer_t& payload,
                  Clock::time_point sendDeadline)
 {
     const obmessage::FrameHeader header{
-        obmessage::FrameKind::Request, call.sequenceNumber,         call.timeout,       call.operation,
+        obmessage::FrameKind::REQUEST, call.sequenceNumber,         call.timeout,       call.operation,
         call.interface.majorVersion,   call.interface.minorVersion, call.interface.name};
     return socket.send(encodeHeader(header).view(), {payload.data(), payload.size()}, sendDeadline);
 }
@@ -44,17 +45,17 @@ bool sendRequest(obmessage::CallerSocket& socket, const Call& call, const buffer
 // An answer repeats what was called. One that cannot be understood counts if its sequence number is the call's.
 bool isAnswerTo(const Call& call, const obmessage::DecodedFrame& frame)
 {
-    if ((frame.fault == obmessage::FrameFault::NotAMessage) || (frame.header.kind != obmessage::FrameKind::Answer) ||
+    if ((frame.fault == obmessage::FrameFault::NOT_A_MESSAGE) || (frame.header.kind != obmessage::FrameKind::ANSWER) ||
         (frame.header.sequenceNumber != call.sequenceNumber)) {
         return false;
     }
-    return (frame.fault != obmessage::FrameFault::None) ||
+    return (frame.fault != obmessage::FrameFault::NONE) ||
            (isOfInterface(frame.header, call.interface) && (frame.header.operation == call.operation));
 }
 
 int resultOf(const obmessage::DecodedFrame& answer)
 {
-    return (answer.fault == obmessage::FrameFault::None) ? answer.header.timeoutOrResult : resultOfFault(answer.fault);
+    return (answer.fault == obmessage::FrameFault::NONE) ? answer.header.timeoutOrResult : resultOfFault(answer.fault);
 }
 
 buffer_t payloadOf(const obmessage::DecodedFrame& answer)
@@ -73,8 +74,8 @@ void OBproxyReplyInterface::replyReceived(const OBmessage&, const buffer_t&, int
 
 class OBproxy::Subscription {
 public:
-    Subscription(const std::string& serviceName, const obmessage::Route& route)
-        : m_pServiceName(std::make_shared<const std::string>(serviceName)), m_socket(route)
+    Subscription(const std::string& serviceName, const obmessage::Route& route, ConnectionWatch::Events events)
+        : m_pServiceName(std::make_shared<const std::string>(serviceName)), m_socket(route, events)
     {
     }
     virtual ~Subscription() = default;
@@ -86,6 +87,8 @@ public:
 
     virtual bool isConnected() { return m_socket.isConnected(); }
 
+    std::string obstacle() const { return m_socket.watch().obstacle(); }
+
     std::uint64_t droppedAnswers() const { return m_droppedAnswers; }
 
 protected:
@@ -94,7 +97,7 @@ protected:
     void dropAnswer(const obmessage::DecodedFrame& frame)
     {
         ++m_droppedAnswers;
-        if (frame.fault == obmessage::FrameFault::NotAMessage) {
+        if (frame.fault == obmessage::FrameFault::NOT_A_MESSAGE) {
             LOG_MESSAGE_WARNING("service %s: dropped what is not a message", m_pServiceName->c_str());
         } else {
             LOG_MESSAGE_WARNING("service %s: dropped a late or foreign answer, sequence number %llu",
@@ -112,10 +115,15 @@ private:
 
 class OBproxy::SynchronousSubscription : public Subscription {
 public:
-    using Subscription::Subscription;
+    SynchronousSubscription(const std::string& serviceName, const obmessage::Route& route)
+        : Subscription(serviceName, route, ConnectionWatch::Events::REFUSALS)
+    {
+    }
 
     int call(Call& call, buffer_t& payload, int& result) override
     {
+        m_socket.watch().takeEvents();
+        m_socket.watch().retryWhenDue(Clock::now());
         call.sequenceNumber = nextSequenceNumber();
         if (!sendRequest(m_socket, call, payload, call.deadline)) {
             return -1;
@@ -133,11 +141,34 @@ public:
     }
 };
 
+// Watches the attempts to connect, and starts new ones.
+class ConnectingSource : public obmessage::EventSource {
+public:
+    ConnectingSource(obmessage::Dispatcher& dispatcher, ConnectionWatch& watch)
+        : EventSource(dispatcher, watch), m_watch(watch)
+    {
+    }
+
+private:
+    std::optional<Clock::time_point> nextDeadline() const override { return m_watch.retryTime(); }
+
+    bool handleDeadline(Clock::time_point now) override
+    {
+        m_watch.retryWhenDue(now);
+        return false;
+    }
+
+    ConnectionWatch& m_watch;
+};
+
 class OBproxy::AsynchronousSubscription : public Subscription, private obmessage::DispatchSource {
 public:
     AsynchronousSubscription(std::shared_ptr<obmessage::Dispatcher> pDispatcher, const std::string& serviceName,
                              const obmessage::Route& route, OBproxyReplyInterface& reply)
-        : Subscription(serviceName, route), m_pDispatcher(std::move(pDispatcher)), m_reply(reply)
+        : Subscription(serviceName, route, ConnectionWatch::Events::ALL),
+          m_pDispatcher(std::move(pDispatcher)),
+          m_reply(reply),
+          m_connecting(*m_pDispatcher, m_socket.watch())
     {
         m_pDispatcher->add(*this);
     }
@@ -146,16 +177,16 @@ public:
 
     int call(Call& call, buffer_t& payload, int&) override
     {
-        if (m_outstanding.size() >= MAX_OUTSTANDING_REQUESTS) {
+        if (m_outstanding.isFull()) {
             return -1;
         }
         call.sequenceNumber = nextSequenceNumber();
-        const bool isSent = sendRequest(m_socket, call, payload, call.deadline);
-        if (isSent) {
-            m_outstanding.emplace(call.sequenceNumber, call);
+        m_outstanding.add(call.sequenceNumber, call);
+        if (!m_held.empty() || !sendNow(call, payload)) {
+            m_held.emplace(call.sequenceNumber, payload);
         }
         m_pDispatcher->lookAt(*this);
-        return isSent ? 0 : -1;
+        return 0;
     }
 
     bool isConnected() override
@@ -166,61 +197,71 @@ public:
     }
 
 private:
-    using Outstanding = std::map<std::uint64_t, Call>;
+    bool sendNow(const Call& call, const buffer_t& payload)
+    {
+        return sendRequest(m_socket, call, payload, Clock::time_point::min());
+    }
+
+    // A request is not sent after its caller has given it up.
+    void sendHeld()
+    {
+        const Clock::time_point now = Clock::now();
+        for (auto held = m_held.begin(); held != m_held.end(); held = m_held.erase(held)) {
+            const Call& call = *m_outstanding.find(held->first);
+            if ((call.deadline > now) && !sendNow(call, held->second)) {
+                return;
+            }
+        }
+    }
 
     int descriptor() const override { return m_socket.descriptor(); }
-    bool hasMessage() const override { return m_socket.hasMessage(); }
+    bool hasWork() const override { return m_socket.hasWork(!m_held.empty()); }
 
     bool handleMessage() override
     {
-        if (!m_socket.receive(Clock::time_point::min())) {
-            return false;
+        sendHeld();
+        while (!m_socket.receive(Clock::time_point::min())) {
+            // Receiving may have noticed a connection, for which the descriptor does not become readable again.
+            if (!hasWork()) {
+                return false;
+            }
+            sendHeld();
         }
         const obmessage::DecodedFrame frame = obmessage::decodeFrame(m_socket.message());
-        const auto outstanding = m_outstanding.find(frame.header.sequenceNumber);
-        if ((outstanding == m_outstanding.end()) || !isAnswerTo(outstanding->second, frame)) {
+        const Call* const pCall = m_outstanding.find(frame.header.sequenceNumber);
+        if ((pCall == nullptr) || !isAnswerTo(*pCall, frame)) {
             dropAnswer(frame);
             return true;
         }
-        deliver(outstanding, payloadOf(frame), resultOf(frame));
+        deliver(pCall->sequenceNumber, payloadOf(frame), resultOf(frame));
         return true;
     }
 
-    std::optional<Clock::time_point> nextDeadline() const override
-    {
-        const auto first = firstToExpire();
-        return (first == m_outstanding.end()) ? std::nullopt : std::optional(first->second.deadline);
-    }
+    std::optional<Clock::time_point> nextDeadline() const override { return m_outstanding.nextDeadline(); }
 
     bool handleDeadline(Clock::time_point now) override
     {
-        const auto first = firstToExpire();
-        if ((first == m_outstanding.end()) || (first->second.deadline > now)) {
-            return false;
+        const auto sequenceNumber = m_outstanding.expiredAt(now);
+        if (sequenceNumber) {
+            deliver(*sequenceNumber, buffer_t(), obResult::TIMEOUT);
         }
-        deliver(first, buffer_t(), obResult::TIMEOUT);
-        return true;
-    }
-
-    Outstanding::const_iterator firstToExpire() const
-    {
-        return std::min_element(m_outstanding.begin(), m_outstanding.end(), [](const auto& left, const auto& right) {
-            return left.second.deadline < right.second.deadline;
-        });
+        return sequenceNumber.has_value();
     }
 
     // The handler may destroy this object.
-    void deliver(Outstanding::const_iterator outstanding, const buffer_t& payload, int result)
+    void deliver(std::uint64_t sequenceNumber, const buffer_t& payload, int result)
     {
-        const Call call = outstanding->second;
-        m_outstanding.erase(outstanding);
-        const OBmessage request(m_pServiceName, call.operation, call.sequenceNumber, call.timeout, 0);
+        const std::optional<Call> call = m_outstanding.take(sequenceNumber);
+        m_held.erase(sequenceNumber);
+        const OBmessage request(m_pServiceName, call->operation, sequenceNumber, call->timeout, 0);
         m_reply.replyReceived(request, payload, result);
     }
 
     const std::shared_ptr<obmessage::Dispatcher> m_pDispatcher;
     OBproxyReplyInterface& m_reply;
-    Outstanding m_outstanding;
+    ConnectingSource m_connecting;
+    obmessage::OutstandingRequests<Call> m_outstanding;  // by sequence number
+    std::map<std::uint64_t, buffer_t> m_held;            // the payloads of those not sent yet
 };
 
 OBproxy::OBproxy(OBcomponent& component) : m_pDispatcher(component.m_pDispatcher) {}
@@ -246,7 +287,7 @@ int OBproxy::subscribe(const char* name, OBproxyReplyInterface* pReply)
 {
     try {
         if (m_pSubscription != nullptr) {
-            throw std::runtime_error("the proxy is subscribed already");
+            throw std::runtime_error("the proxy is already subscribed");
         }
         const obmessage::Route route = m_pDispatcher->directory().routeTo(name);
         if (pReply == nullptr) {
@@ -256,6 +297,7 @@ int OBproxy::subscribe(const char* name, OBproxyReplyInterface* pReply)
         }
         return 0;
     } catch (const std::exception& error) {
+        m_subscriptionError = error.what();
         LOG_MESSAGE_ERROR("component %s: cannot subscribe to '%s': %s", m_pDispatcher->componentName().c_str(), name,
                           error.what());
         return -1;
@@ -265,6 +307,14 @@ int OBproxy::subscribe(const char* name, OBproxyReplyInterface* pReply)
 bool OBproxy::isConnected() const
 {
     return (m_pSubscription != nullptr) && m_pSubscription->isConnected();
+}
+
+std::string OBproxy::obstacle() const
+{
+    if (m_pSubscription == nullptr) {
+        return m_subscriptionError;
+    }
+    return isConnected() ? "" : m_pSubscription->obstacle();
 }
 
 std::uint64_t OBproxy::droppedAnswers() const

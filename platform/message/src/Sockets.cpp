@@ -12,14 +12,16 @@
 #include <zmq.hpp>
 
 #include "ClientGate.h"
+#include "ConnectionCap.h"
+#include "Descriptors.h"
 #include "Directory.h"
-#include "KeyFiles.h"
+#include "Keys.h"
 #include "LocalListener.h"
 
 namespace obmessage {
 namespace {
 
-// Room for any message of ours and for some that are too long, so that those can be answered; a peer that announces
+// Room for any message of ours and for some that are too long, so that those can be answered. A peer that announces
 // more is disconnected before anything is allocated for it.
 constexpr std::int64_t MAX_MESSAGE_LENGTH = 16384;
 
@@ -27,8 +29,7 @@ constexpr std::int64_t MAX_MESSAGE_LENGTH = 16384;
 constexpr int MIN_RECONNECT_INTERVAL_MS = 50;
 constexpr int MAX_RECONNECT_INTERVAL_MS = 500;
 
-// How often a caller that waits looks whether the connection is still there: often enough to see that it was lost
-// before it is made again.
+// How often a waiting caller checks its connection: often enough to see that it was lost before it is made again.
 constexpr int CONNECTION_CHECK_INTERVAL_MS = 20;
 
 // Peers on other hosts can vanish without a word.
@@ -48,12 +49,14 @@ constexpr const char* IPC = "ipc://";
 
 class Context {
 public:
-    static std::shared_ptr<Context> ofProcess()
+    /// With room for a socket and its connections, which need this many `descriptors`.
+    static std::shared_ptr<Context> ofProcess(std::size_t descriptors)
     {
         static std::mutex mutex;
         static std::weak_ptr<Context> existing;
         const std::lock_guard<std::mutex> lock(mutex);
         std::shared_ptr<Context> pContext = existing.lock();
+        requireDescriptors(descriptors + ((pContext == nullptr) ? DESCRIPTORS_OF_CONTEXT : 0));
         if (pContext == nullptr) {
             pContext = std::make_shared<Context>();
             existing = pContext;
@@ -62,6 +65,8 @@ public:
     }
 
     ~Context() { m_context.shutdown(); }  // which ends the gate's thread
+
+    zmq::context_t& zmq() { return m_context; }
 
     zmq::socket_t makeSocket(zmq::socket_type type) { return zmq::socket_t(m_context, type); }
 
@@ -102,7 +107,7 @@ zmq::message_t joined(ByteView header, ByteView payload)
     return message;
 }
 
-// zmq_msg_send and zmq_msg_recv, and not cppzmq's, which throw for what is usual here: an interrupting signal.
+// zmq_msg_send and zmq_msg_recv, not cppzmq's, which throw for a signal that interrupts: usual here.
 bool sendPart(zmq::socket_t& socket, zmq::message_t& part, int flags)
 {
     return zmq_msg_send(part.handle(), socket.handle(), flags) >= 0;
@@ -138,7 +143,7 @@ bool receivePartNow(zmq::socket_t& socket, zmq::message_t& part)
     return true;
 }
 
-// What follows the first part of a message that should have but one; the message is then as good as empty.
+// Drops what follows the first part of a message that should have only one; the message then counts as empty.
 void dropFurtherParts(zmq::socket_t& socket, zmq::message_t& message)
 {
     if (!message.more()) {
@@ -173,7 +178,7 @@ void setOwnKeys(zmq::socket_t& socket, const std::string& keyFile)
     socket.set(zmq::sockopt::curve_secretkey, keys.secretKey);
 }
 
-// A predecessor in this process gives its port up in the background: that is waited for.
+// Waits for a predecessor in this process, which gives up its port in the background.
 void bind(zmq::socket_t& socket, const std::string& endpoint)
 {
     const Clock::time_point deadline = Clock::now() + PORT_WAIT;
@@ -192,29 +197,17 @@ bool hasEvent(const zmq::socket_t& socket, int event)
 
 }  // namespace
 
-KeyPair createKeyPair()
-{
-    char publicKey[41];
-    char secretKey[41];
-    if (zmq_curve_keypair(publicKey, secretKey) != 0) {
-        throw std::runtime_error("ZeroMQ was built without keys");
-    }
-    return {publicKey, secretKey};
-}
-
-bool isKey(const std::string& text)
-{
-    std::uint8_t key[32];
-    return (text.size() == 40) && (zmq_z85_decode(key, text.c_str()) != nullptr);
-}
-
 struct CallerSocket::Impl {
-    std::shared_ptr<Context> pContext = Context::ofProcess();
+    Impl(const Route& route, ConnectionWatch::Events events) : watch(pContext->zmq(), socket, route, events) {}
+
+    std::shared_ptr<Context> pContext = Context::ofProcess(DESCRIPTORS_OF_CALLER);
     zmq::socket_t socket = pContext->makeSocket(zmq::socket_type::dealer);
+    ConnectionWatch watch;
     zmq::message_t message;
 };
 
-CallerSocket::CallerSocket(const Route& route) : m_pImpl(std::make_unique<Impl>())
+CallerSocket::CallerSocket(const Route& route, ConnectionWatch::Events events)
+    : m_pImpl(std::make_unique<Impl>(route, events))
 {
     zmq::socket_t& socket = m_pImpl->socket;
     setCommonOptions(socket, route.endpoint);
@@ -275,6 +268,16 @@ bool CallerSocket::isConnected() const
     return hasEvent(m_pImpl->socket, ZMQ_POLLOUT);
 }
 
+ConnectionWatch& CallerSocket::watch()
+{
+    return m_pImpl->watch;
+}
+
+const ConnectionWatch& CallerSocket::watch() const
+{
+    return m_pImpl->watch;
+}
+
 ByteView CallerSocket::message() const
 {
     return viewOf(m_pImpl->message);
@@ -285,15 +288,16 @@ int CallerSocket::descriptor() const
     return m_pImpl->socket.get(zmq::sockopt::fd);
 }
 
-bool CallerSocket::hasMessage() const
+bool CallerSocket::hasWork(bool wantsToSend) const
 {
-    return hasEvent(m_pImpl->socket, ZMQ_POLLIN);
+    return hasEvent(m_pImpl->socket, wantsToSend ? (ZMQ_POLLIN | ZMQ_POLLOUT) : ZMQ_POLLIN);
 }
 
 struct ServiceSocket::Impl {
-    std::shared_ptr<Context> pContext = Context::ofProcess();
+    std::shared_ptr<Context> pContext = Context::ofProcess(DESCRIPTORS_OF_SERVICE);
     std::optional<LocalListener> listener;  // outlives the socket
     zmq::socket_t socket = pContext->makeSocket(zmq::socket_type::router);
+    std::optional<ConnectionCap> cap;
     zmq::message_t sender;
     zmq::message_t message;
 };
@@ -317,6 +321,8 @@ ServiceSocket::ServiceSocket(const Route& route, const std::string& serviceName)
         m_pImpl->listener.emplace(route.endpoint.substr(std::strlen(IPC)));
         socket.set(zmq::sockopt::use_fd, m_pImpl->listener->socket());
     }
+    m_pImpl->cap.emplace(m_pImpl->pContext->zmq(), socket, serviceName,
+                         m_pImpl->listener ? &*m_pImpl->listener : nullptr);
     bind(socket, route.endpoint);
     if (m_pImpl->listener) {
         m_pImpl->listener->releaseSocket();
@@ -332,6 +338,11 @@ bool ServiceSocket::receive()
     }
     dropFurtherParts(m_pImpl->socket, m_pImpl->message);
     return true;
+}
+
+SocketEvents& ServiceSocket::connections()
+{
+    return *m_pImpl->cap;
 }
 
 std::string ServiceSocket::sender() const

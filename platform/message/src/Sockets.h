@@ -1,9 +1,9 @@
 #ifndef MESSAGE_SOCKETS_H
 #define MESSAGE_SOCKETS_H
 
-// ZeroMQ, behind a few ownership types; nothing else in the framework knows it. A caller's socket (DEALER) talks to one
-// service; a service's socket (ROUTER) to any number of callers. Messages are single-part: anything else is handed over
-// as a message of no bytes.
+// ZeroMQ, behind a few ownership types; the rest of the framework does not know it, apart from the keys and what
+// watches connections. A caller's socket (DEALER) talks to one service; a service's socket (ROUTER) to any number of
+// callers. Messages are single-part: anything else is handed over as a message of no bytes.
 //
 // All sockets of the process share one context, so that inproc endpoints meet. A socket is used on one thread.
 
@@ -12,40 +12,34 @@
 #include <memory>
 #include <string>
 
+#include "ConnectionWatch.h"
 #include "Frame.h"
 
 namespace obmessage {
 
 using Clock = std::chrono::steady_clock;
 
-struct Route;
-
-struct KeyPair {
-    std::string publicKey;
-    std::string secretKey;
-};
-
-/// Keys are text of 40 characters each.
-KeyPair createKeyPair();
-bool isKey(const std::string& text);
-
 class CallerSocket {
 public:
     /// Starts to connect, now and whenever the connection is lost. Throws std::runtime_error if the route cannot be
     /// taken.
-    explicit CallerSocket(const Route& route);
+    CallerSocket(const Route& route, ConnectionWatch::Events events);
     ~CallerSocket();
 
     /// Sends one message, header and payload. Waits for the service to be there until `deadline` at most; false if it
     /// is not.
     bool send(ByteView header, ByteView payload, Clock::time_point deadline);
 
-    /// Receives one message into message(). Waits until `deadline` at most, or until the connection is lost and with it
-    /// whatever was under way; false if none came.
+    /// Receives one message into message(). Waits until `deadline` at most, or until the connection, and with it any
+    /// message under way, is lost; false if none came.
     bool receive(Clock::time_point deadline);
 
     /// Whether a message could be sent at once.
     bool isConnected() const;
+
+    /// The state of the attempts to connect.
+    ConnectionWatch& watch();
+    const ConnectionWatch& watch() const;
 
     /// The message received last.
     ByteView message() const;
@@ -53,8 +47,9 @@ public:
     /// Becomes readable when a message may have arrived since receive() last returned false.
     int descriptor() const;
 
-    /// Whether a message has arrived: it may have done so without the descriptor being readable, after a send.
-    bool hasMessage() const;
+    /// Whether a message has arrived or, with `wantsToSend`, could be sent at once: that may be so without the
+    /// descriptor being readable, after any use of the socket.
+    bool hasWork(bool wantsToSend) const;
 
 private:
     struct Impl;
@@ -70,14 +65,17 @@ public:
     /// Receives one message into sender() and message(), without waiting; false if there is none.
     bool receive();
 
-    /// Whom and what was received last. A sender's name is the socket's own and good for answers only.
+    /// The sender and the message received last. A sender's name is the socket's own, for answers only.
     std::string sender() const;
     ByteView message() const;
 
-    /// Sends one message to a sender, without waiting; false if it is no longer there or takes no more.
+    /// Sends one message to a sender, without waiting; false if it is gone or takes no more.
     bool send(const std::string& receiver, ByteView header, ByteView payload);
 
-    /// Where the socket is bound: a wildcard port is the one that it got.
+    /// Its events keep the number of connections within bounds: they must be taken as they come.
+    SocketEvents& connections();
+
+    /// Where the socket is bound, with the port that it got in place of a wildcard.
     std::string endpoint() const;
 
     int descriptor() const;

@@ -37,18 +37,37 @@ std::string contentsOf(const FileDescriptor& file, const std::string& path)
     }
 }
 
-void requirePrivate(const FileDescriptor& file, const std::string& path)
+struct stat statusOf(const FileDescriptor& file, const std::string& path)
 {
     struct stat status = {};
     if (::fstat(file.get(), &status) != 0) {
         throwSystemError(path);
     }
-    if (!S_ISREG(status.st_mode)) {
-        throw std::runtime_error(path + ": not a regular file");
-    }
+    return status;
+}
+
+void requireOwner(const struct stat& status, const std::string& path)
+{
     if ((status.st_uid != ::geteuid()) && (status.st_uid != 0)) {
         throw std::runtime_error(path + ": belongs to another user");
     }
+}
+
+// Who may write to the file determines who is called and who may call.
+void requireTrusted(const struct stat& status, const std::string& path)
+{
+    requireOwner(status, path);
+    if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
+        throw std::runtime_error(path + ": other users may write to it; its mode must be 0644 or stricter");
+    }
+}
+
+void requirePrivate(const struct stat& status, const std::string& path)
+{
+    if (!S_ISREG(status.st_mode)) {
+        throw std::runtime_error(path + ": not a regular file");
+    }
+    requireOwner(status, path);
     if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
         throw std::runtime_error(path + ": open to other users; its mode must be 0600");
     }
@@ -71,12 +90,15 @@ void forEachEntry(const FileDescriptor& file, const std::string& path,
     int lineNumber = 0;
     for (std::string line; std::getline(lines, line);) {
         ++lineNumber;
-        const std::vector<std::string> words = wordsOf(line);
-        if (words.empty() || (words.front().front() == '#')) {
-            continue;
-        }
         try {
-            handleLine(words);
+            // Readers of the words as C strings would see the part before it only.
+            if (line.find('\0') != std::string::npos) {
+                throw LineError("the line contains a NUL byte");
+            }
+            const std::vector<std::string> words = wordsOf(line);
+            if (!words.empty() && (words.front().front() != '#')) {
+                handleLine(words);
+            }
         } catch (const LineError& error) {
             throw std::runtime_error(path + ":" + std::to_string(lineNumber) + ": " + error.what());
         }
@@ -87,14 +109,16 @@ void forEachEntry(const FileDescriptor& file, const std::string& path,
 
 void readTextFile(const std::string& path, const std::function<void(const std::vector<std::string>&)>& handleLine)
 {
-    forEachEntry(openForReading(path), path, handleLine);
+    const FileDescriptor file = openForReading(path);
+    requireTrusted(statusOf(file, path), path);
+    forEachEntry(file, path, handleLine);
 }
 
 void readPrivateTextFile(const std::string& path,
                          const std::function<void(const std::vector<std::string>&)>& handleLine)
 {
     const FileDescriptor file = openForReading(path);
-    requirePrivate(file, path);
+    requirePrivate(statusOf(file, path), path);
     forEachEntry(file, path, handleLine);
 }
 

@@ -10,17 +10,18 @@
 
 namespace obmessage {
 
-/// What is wrong with a line; the reader adds where it stands.
+/// What is wrong with a line; the reader adds file and line number.
 class LineError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
 /// Calls `handleLine` with the words of each entry. Throws std::runtime_error, with the file's name and the line's
-/// number where there is one, if the file cannot be read or `handleLine` throws a LineError.
+/// number where there is one, if the file cannot be read, if it belongs to a user other than this one and root or
+/// others may write to it, or if `handleLine` throws a LineError.
 void readTextFile(const std::string& path, const std::function<void(const std::vector<std::string>&)>& handleLine);
 
-/// The same for a file with secrets: it must belong to this user or to root and be closed to everybody else.
+/// The same for a file with secrets: it must belong to this user or to root and be closed to all others.
 void readPrivateTextFile(const std::string& path,
                          const std::function<void(const std::vector<std::string>&)>& handleLine);
 

@@ -14,7 +14,9 @@ namespace sql {
 
 namespace {
 
-constexpr int LOCK_WAIT_MS = 2000;
+// A reader waits only for a moment; a writer may have to wait for another one's import.
+constexpr int READ_WAIT_MS = 2000;
+constexpr int WRITE_WAIT_MS = 10000;
 
 struct Explanation {
     int sqliteCode;
@@ -25,8 +27,8 @@ struct Explanation {
 constexpr std::array explanations{
     Explanation{SQLITE_NOTADB, Problem::FOREIGN, "is not a database"},
     Explanation{SQLITE_CORRUPT, Problem::CORRUPT, "is damaged"},
-    Explanation{SQLITE_BUSY, Problem::LOCKED, "is locked by another program"},
-    Explanation{SQLITE_LOCKED, Problem::LOCKED, "is locked by another program"},
+    Explanation{SQLITE_BUSY, Problem::LOCKED, "is locked by another program, try again"},
+    Explanation{SQLITE_LOCKED, Problem::LOCKED, "is locked by another program, try again"},
     Explanation{SQLITE_READONLY, Problem::READ_ONLY, "is read-only"},
     Explanation{SQLITE_PERM, Problem::READ_ONLY, "is read-only"},
     Explanation{SQLITE_FULL, Problem::FULL, "cannot grow: the disk is full"},
@@ -34,6 +36,7 @@ constexpr std::array explanations{
     Explanation{SQLITE_IOERR, Problem::OTHER, "cannot be read or written"},
     Explanation{SQLITE_CONSTRAINT, Problem::CONSTRAINT, "refuses the row"},
     Explanation{SQLITE_MISMATCH, Problem::CONSTRAINT, "refuses the row"},
+    Explanation{SQLITE_NOMEM, Problem::OTHER, "needs more memory than there is"},
 };
 
 std::string quotedPath(const std::string& path)
@@ -73,11 +76,11 @@ std::string quotedName(const std::string& name)
     return quoted + "\"";
 }
 
-std::vector<Field> columnsOf(const Definition& definition)
+std::vector<Field> columnsOf(const TableDefinition& table)
 {
     const auto end =
-        std::find_if(definition.begin(), definition.end(), [](const Field& field) { return field.empty(); });
-    return std::vector<Field>(definition.begin(), end);
+        std::find_if(table.columns.begin(), table.columns.end(), [](const Field& field) { return field.empty(); });
+    return std::vector<Field>(table.columns.begin(), end);
 }
 
 bool isNotNull(const Field& field)
@@ -100,8 +103,7 @@ std::string typeName(field_type type)
     throw Error(Problem::OTHER, "a column cannot be of type " + std::to_string(static_cast<int>(type)));
 }
 
-// SQLite takes a value of any type into any column unless told otherwise. The constraint's name is what it says when
-// the constraint does not hold.
+// By default SQLite accepts a value of any type in any column. The name of a constraint is its error message.
 std::string typeConstraint(const Field& field)
 {
     const std::string name = quotedName(field.name());
@@ -140,7 +142,7 @@ std::string createTableStatement(const TableDefinition& table)
 {
     std::vector<std::string> lines;
     std::vector<std::string> keys;
-    for (const Field& field : columnsOf(table.definition)) {
+    for (const Field& field : columnsOf(table)) {
         lines.push_back("    " + quotedName(field.name()) + " " + typeName(field.type()) +
                         (isNotNull(field) ? " NOT NULL " : " ") + typeConstraint(field));
         if (isKey(field)) {
@@ -159,8 +161,10 @@ void bind(SQLite::Statement& statement, int index, const Value& value)
         statement.bind(index, *pNumber);
     } else if (const auto* const pText = std::get_if<std::string>(&value)) {
         statement.bind(index, *pText);
-    } else {
+    } else if (std::holds_alternative<std::monostate>(value)) {
         statement.bind(index);
+    } else {
+        throw Error(Problem::CONSTRAINT, std::get<OtherValue>(value).text + " is neither a number nor a text");
     }
 }
 
@@ -171,6 +175,17 @@ void bind(SQLite::Statement& statement, int firstIndex, const ColumnValues& valu
     }
 }
 
+std::string blobText(const std::string& bytes)
+{
+    std::string text = "X'";
+    for (const char byte : bytes) {
+        constexpr const char* DIGITS = "0123456789ABCDEF";
+        const auto number = static_cast<unsigned char>(byte);
+        text += {DIGITS[number / 16U], DIGITS[number % 16U]};
+    }
+    return text + "'";
+}
+
 Value valueOf(const SQLite::Column& column)
 {
     if (column.isInteger()) {
@@ -179,7 +194,10 @@ Value valueOf(const SQLite::Column& column)
     if (column.isNull()) {
         return std::monostate();
     }
-    return column.getString();
+    if (column.isText()) {
+        return column.getString();
+    }
+    return OtherValue{column.isBlob() ? blobText(column.getString()) : column.getString()};
 }
 
 std::int64_t firstNumber(const SQLite::Database& database, const std::string& query)
@@ -189,19 +207,24 @@ std::int64_t firstNumber(const SQLite::Database& database, const std::string& qu
     return statement.getColumn(0).getInt64();
 }
 
-// A name that SQLite takes for a file's, whatever it starts with.
+// A name that SQLite takes as a file's, whatever it starts with.
 std::string fileName(const std::string& path)
 {
     return (path.rfind('/', 0) == 0) ? path : "./" + path;
 }
 
-SQLite::Database opened(const std::string& path, int flags)
+SQLite::Database opened(const std::string& path, int flags, int waitTime)
 {
     std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (std::filesystem::is_directory(status)) {
         throw Error(Problem::OTHER, quotedPath(path) + " is a folder");
     }
-    return explainingErrors(path, [&] { return SQLite::Database(fileName(path), flags, LOCK_WAIT_MS); });
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        throw Error(Problem::OTHER,
+                    quotedPath(path) + " is not a regular file");  // opening a FIFO waits for its writer
+    }
+    return explainingErrors(path, [&] { return SQLite::Database(fileName(path), flags, waitTime); });
 }
 
 bool isEmptyDatabase(const SQLite::Database& database)
@@ -212,6 +235,9 @@ bool isEmptyDatabase(const SQLite::Database& database)
 
 void requireIdentity(const std::string& path, const SQLite::Database& database, const Identity& identity)
 {
+    if (isEmptyDatabase(database)) {
+        throw Error(Problem::EMPTY, quotedPath(path) + " is empty");
+    }
     const std::int64_t applicationId = firstNumber(database, "PRAGMA application_id");
     if (applicationId != identity.applicationId) {
         throw Error(Problem::FOREIGN, quotedPath(path) + " is a database of another program (its application_id is " +
@@ -229,7 +255,7 @@ void requireIdentity(const std::string& path, const SQLite::Database& database, 
 
 void requireWritable(const std::string& path, SQLite::Database& database)
 {
-    // SQLite opens a file that it may not write for reading.
+    // SQLite opens a file that it may not write as read-only.
     if (sqlite3_db_readonly(database.getHandle(), "main") != 0) {
         throw Error(Problem::READ_ONLY, quotedPath(path) + " is read-only");
     }
@@ -238,8 +264,10 @@ void requireWritable(const std::string& path, SQLite::Database& database)
 }  // namespace
 
 struct Database::Connection {
-    Connection(const std::string& filePath, int flags)
-        : path(filePath), isForWriting((flags & SQLITE_OPEN_READWRITE) != 0), database(opened(filePath, flags))
+    Connection(const std::string& filePath, int flags, int waitTime)
+        : path(filePath),
+          isForWriting((flags & SQLITE_OPEN_READWRITE) != 0),
+          database(opened(filePath, flags, waitTime))
     {
     }
 
@@ -252,13 +280,27 @@ Database::Database(std::unique_ptr<Connection> pConnection) : m_pConnection(std:
 
 Database::Database(const std::string& path, const Identity& identity, Access access)
 {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error)) {
+    std::error_code unknown;
+    if (!std::filesystem::exists(path, unknown)) {
         throw Error(Problem::NOT_FOUND, quotedPath(path) + " does not exist");
     }
-    m_pConnection =
-        std::make_unique<Connection>(path, (access == Access::WRITE) ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY);
-    explainingErrors(path, [&] { requireIdentity(path, m_pConnection->database, identity); });
+    if (access == Access::WRITE) {
+        m_pConnection = std::make_unique<Connection>(path, SQLITE_OPEN_READWRITE, WRITE_WAIT_MS);
+    } else {
+        const int waitTime = (access == Access::READ) ? READ_WAIT_MS : 0;
+        m_pConnection = std::make_unique<Connection>(path, SQLITE_OPEN_READONLY, waitTime);
+    }
+    try {
+        explainingErrors(path, [&] { requireIdentity(path, m_pConnection->database, identity); });
+    } catch (const Error& error) {
+        if (error.problem() != Problem::READ_ONLY) {
+            throw;
+        }
+        // The first reader makes a file that all readers and writers share.
+        throw Error(
+            Problem::READ_ONLY,
+            quotedPath(path) + " is in a folder that may not be written, which reading it needs: copy it elsewhere");
+    }
     if (m_pConnection->isForWriting) {
         requireWritable(path, m_pConnection->database);
     }
@@ -266,7 +308,7 @@ Database::Database(const std::string& path, const Identity& identity, Access acc
 
 Database Database::create(const std::string& path, const Identity& identity, const std::vector<TableDefinition>& tables)
 {
-    Database created(std::make_unique<Connection>(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE));
+    Database created(std::make_unique<Connection>(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, WRITE_WAIT_MS));
     SQLite::Database& database = created.m_pConnection->database;
     explainingErrors(path, [&] {
         if (!isEmptyDatabase(database)) {
@@ -284,7 +326,7 @@ Database Database::create(const std::string& path, const Identity& identity, con
             database.exec("PRAGMA user_version = " + std::to_string(identity.schemaVersion));
         }
         transaction.commit();
-        requireIdentity(path, database, identity);  // again: another program may have created it meanwhile
+        requireIdentity(path, database, identity);  // again: another program may have created it in between
     });
     for (const TableDefinition& table : tables) {
         if (const std::optional<std::string> difference = created.differenceFrom(table)) {
@@ -314,7 +356,7 @@ std::optional<std::string> Database::differenceFrom(const TableDefinition& table
             return "table '" + table.name + "' is missing";
         }
         int position = 0;
-        for (const Field& field : columnsOf(table.definition)) {
+        for (const Field& field : columnsOf(table)) {
             ++position;
             const std::string inColumn = inTable + "column " + std::to_string(position) + " ";
             if (found.isDone()) {
@@ -347,6 +389,37 @@ std::vector<std::string> Database::findDamage() const
     });
 }
 
+std::vector<std::string> Database::findAttachments(const std::vector<TableDefinition>& tables) const
+{
+    return explainingErrors(path(), [&] {
+        std::vector<std::string> attachments;
+        // An index without a statement is part of its table: that of the key.
+        SQLite::Statement found(
+            m_pConnection->database,
+            "SELECT type, name FROM sqlite_schema WHERE type IN ('index', 'trigger') AND sql IS NOT "
+            "NULL AND tbl_name = ? COLLATE NOCASE ORDER BY name");
+        for (const TableDefinition& table : tables) {
+            found.reset();
+            found.bind(1, table.name);
+            while (found.executeStep()) {
+                attachments.push_back("table '" + table.name + "': the " + found.getColumn(0).getString() + " '" +
+                                      found.getColumn(1).getString() + "' should not be there");
+            }
+        }
+        return attachments;
+    });
+}
+
+bool Database::hasConstraintsOf(const TableDefinition& table) const
+{
+    return explainingErrors(path(), [&] {
+        SQLite::Statement found(m_pConnection->database,
+                                "SELECT sql FROM sqlite_schema WHERE type = 'table' AND name = ?");
+        found.bind(1, table.name);
+        return found.executeStep() && (found.getColumn(0).getString() == createTableStatement(table));
+    });
+}
+
 struct Transaction::State {
     explicit State(Database::Connection& connection)
         : path(connection.path),
@@ -372,11 +445,11 @@ void Transaction::commit()
 }
 
 struct Table::State {
-    State(Database::Connection& tablesConnection, const std::string& tableName, const Definition& definition)
-        : connection(tablesConnection), name(tableName), columns(columnsOf(definition))
+    State(Database::Connection& tablesConnection, const TableDefinition& definition)
+        : connection(tablesConnection), name(definition.name), columns(columnsOf(definition))
     {
         if (columns.empty()) {
-            throw Error(Problem::OTHER, "the definition of table '" + tableName + "' has no column");
+            throw Error(Problem::OTHER, "the definition of table '" + name + "' has no column");
         }
     }
 
@@ -394,7 +467,7 @@ struct Table::State {
         return parts.empty() ? "" : start + joined(parts, separator);
     }
 
-    // SQLite takes a quoted name of no column for a text.
+    // SQLite takes a quoted name that is not a column's as a text.
     void requireColumn(const std::string& columnName) const
     {
         const bool isThere =
@@ -413,6 +486,40 @@ struct Table::State {
         return joined(names, ", ");
     }
 
+    std::string keyName() const { return quotedName(columns.front().name()); }
+
+    // "one."Owner" = other."Owner" AND ...".
+    std::string equality(const std::vector<std::string>& columnNames) const
+    {
+        std::vector<std::string> parts;
+        for (const std::string& columnName : columnNames) {
+            requireColumn(columnName);
+            parts.push_back("one." + quotedName(columnName) + " = other." + quotedName(columnName));
+        }
+        return joined(parts, " AND ");
+    }
+
+    static void visitRows(SQLite::Statement& statement, const std::function<void(const Row&)>& visit)
+    {
+        while (statement.executeStep()) {
+            Row row;
+            for (int i = 0; i < statement.getColumnCount(); ++i) {
+                row.push_back(valueOf(statement.getColumn(i)));
+            }
+            visit(row);
+        }
+    }
+
+    void visitKeyPairs(const std::string& query, const KeyPairVisitor& visit) const
+    {
+        explainingErrors(connection.path, [&] {
+            SQLite::Statement statement(connection.database, query);
+            while (statement.executeStep()) {
+                visit(statement.getColumn(0).getInt64(), statement.getColumn(1).getInt64());
+            }
+        });
+    }
+
     std::string insertStatement() const
     {
         const std::vector<std::string> parameters(columns.size(), "?");
@@ -425,8 +532,8 @@ struct Table::State {
     std::optional<SQLite::Statement> insertion;  // prepared once: imports insert many rows
 };
 
-Table::Table(Database& database, const std::string& name, const Definition& definition)
-    : m_pState(std::make_unique<State>(*database.m_pConnection, name, definition))
+Table::Table(Database& database, const TableDefinition& definition)
+    : m_pState(std::make_unique<State>(*database.m_pConnection, definition))
 {
 }
 
@@ -455,7 +562,7 @@ void Table::insert(const Row& row)
         if (!insertion) {
             insertion.emplace(m_pState->connection.database, m_pState->insertStatement());
         }
-        insertion->tryReset();  // an insertion that failed has been explained
+        insertion->tryReset();  // the failure of an insertion has been reported
         for (std::size_t i = 0; i < row.size(); ++i) {
             bind(*insertion, static_cast<int>(i) + 1, row[i]);
         }
@@ -502,13 +609,7 @@ void Table::forEach(const ColumnValues& where, const std::function<void(const Ro
                                                                        quotedName(name()) +
                                                                        m_pState->whereClause(where) + " ORDER BY 1");
         bind(statement, 1, where);
-        while (statement.executeStep()) {
-            Row row;
-            for (int i = 0; i < statement.getColumnCount(); ++i) {
-                row.push_back(valueOf(statement.getColumn(i)));
-            }
-            visit(row);
-        }
+        State::visitRows(statement, visit);
     });
 }
 
@@ -526,9 +627,69 @@ std::int64_t Table::count(const ColumnValues& where) const
 std::int64_t Table::largestKey() const
 {
     return explainingErrors(m_pState->connection.path, [&] {
-        return firstNumber(m_pState->connection.database, "SELECT ifnull(max(" + quotedName(columns().front().name()) +
-                                                              "), 0) FROM " + quotedName(name()));
+        return firstNumber(m_pState->connection.database,
+                           "SELECT ifnull(max(" + m_pState->keyName() + "), 0) FROM " + quotedName(name()));
     });
+}
+
+std::int64_t Table::firstFreeKey(std::int64_t lowest) const
+{
+    return explainingErrors(m_pState->connection.path, [&] {
+        SQLite::Statement statement(m_pState->connection.database, "SELECT " + m_pState->keyName() + " FROM " +
+                                                                       quotedName(name()) + " WHERE " +
+                                                                       m_pState->keyName() + " >= ? ORDER BY 1");
+        statement.bind(1, lowest);
+        std::int64_t free = lowest;
+        while (statement.executeStep() && (statement.getColumn(0).getInt64() == free)) {
+            ++free;
+        }
+        return free;
+    });
+}
+
+void Table::forEachInRange(std::int64_t first, std::int64_t last, const std::function<void(const Row&)>& visit) const
+{
+    explainingErrors(m_pState->connection.path, [&] {
+        SQLite::Statement statement(m_pState->connection.database,
+                                    "SELECT " + m_pState->columnList() + " FROM " + quotedName(name()) + " WHERE " +
+                                        m_pState->keyName() + " BETWEEN ? AND ? ORDER BY 1");
+        statement.bind(1, first);
+        statement.bind(2, last);
+        State::visitRows(statement, visit);
+    });
+}
+
+std::int64_t Table::removeRange(std::int64_t first, std::int64_t last)
+{
+    return explainingErrors(m_pState->connection.path, [&]() -> std::int64_t {
+        SQLite::Statement statement(m_pState->connection.database, "DELETE FROM " + quotedName(name()) + " WHERE " +
+                                                                       m_pState->keyName() + " BETWEEN ? AND ?");
+        statement.bind(1, first);
+        statement.bind(2, last);
+        return statement.exec();
+    });
+}
+
+void Table::forEachRepeated(const std::vector<std::string>& columnNames, const KeyPairVisitor& visit) const
+{
+    std::vector<std::string> names;
+    for (const std::string& columnName : columnNames) {
+        m_pState->requireColumn(columnName);
+        names.push_back(quotedName(columnName));
+    }
+    m_pState->visitKeyPairs("SELECT key, firstKey FROM (SELECT " + m_pState->keyName() + " AS key, min(" +
+                                m_pState->keyName() + ") OVER (PARTITION BY " + joined(names, ", ") +
+                                ") AS firstKey FROM " + quotedName(name()) + ") WHERE key <> firstKey ORDER BY key",
+                            visit);
+}
+
+void Table::forEachMatch(const Table& other, const std::vector<std::string>& columnNames,
+                         const KeyPairVisitor& visit) const
+{
+    m_pState->visitKeyPairs("SELECT one." + m_pState->keyName() + ", min(other." + other.m_pState->keyName() +
+                                ") FROM " + quotedName(name()) + " AS one JOIN " + quotedName(other.name()) +
+                                " AS other ON " + m_pState->equality(columnNames) + " GROUP BY 1 ORDER BY 1",
+                            visit);
 }
 
 }  // namespace sql

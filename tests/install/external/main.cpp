@@ -1,5 +1,5 @@
-// Decides a rule, takes a table's definition and reads an object on the foreign platform: succeeds if all are right and
-// the platform was asked for its level and told of a broken invariant.
+// Evaluates a rule, takes a table's definition and reads an object on the foreign platform: succeeds if all are right
+// and the platform was asked for its level and got the report of a broken invariant.
 
 #include "EventMgmtRulesParsing.h"
 #include "EvmDatabase.h"

@@ -35,7 +35,7 @@ bool OBproxy::subscribe_asynchronous(const char* name, OBproxyReplyInterface*)
 
 OBappsToICSC_1_0_P::OBappsToICSC_1_0_P(OBcomponent&) {}
 
-// Answers OID 7 with the integer 42, whatever is asked.
+// Answers every request with the integer 42 for OID 7.
 int OBappsToICSC_1_0_P::ICSCRead(int, buffer_t& tlvs, int& result)
 {
     buffer_t element;

@@ -1,7 +1,7 @@
 #ifndef EVENT_MGMT_RULES_CPP_OBJECTS_H
 #define EVENT_MGMT_RULES_CPP_OBJECTS_H
 
-// Event rules in their parsed form, and the functions that decide them.
+// Event rules in their parsed form, and the functions that evaluate them.
 //
 // A component parses a rule text once (EventMgmtRulesParsing.h) into a RuleObject and keeps it. On every new sample it
 // calls the check function of the rule's type:
@@ -13,6 +13,17 @@
 //
 // in the instantiation that the rule text declares: T = int for "signed(", T = unsigned int for "unsigned(". These two
 // instantiations are all that the library exports.
+//
+// For example:
+//
+//     RuleObject rule;
+//     parseRule("expr=signed(hyshigh(80,90) hyslow(10,20))", &rule);
+//     bool isHigh = false;
+//     bool isLow = false;
+//     checkDoubleHysteresisRule(rule, 95, isHigh, isLow);  // isHigh: 95 is above 90
+//     checkDoubleHysteresisRule(rule, 5, isHigh, isLow);   // isLow: 5 is below 10; isHigh no longer
+//
+//     checkSimpleValueRule(rule, 95);  // false, and an error line: the rule is of another type
 //
 // No function keeps anything between calls or changes the rule. Any number of threads may evaluate at once, also the
 // same rule. Objects of these types may be read by several threads as long as none modifies them.
@@ -48,7 +59,7 @@ enum RelationalOperator : std::int32_t {
     LOGICAL_OR = 7         ///< at least one is non-zero
 };
 
-/// What kind of rule a RuleObject holds, and so how many expressions belong into it.
+/// What kind of rule a RuleObject holds, and with how many expressions.
 enum ExpressionType : std::int32_t {
     NO_EXPRESSION = 0,            ///< nothing parsed; no expression
     SIMPLE_EXPRESSION_VALUE = 1,  ///< condition on the sample; 1 expression
@@ -92,60 +103,60 @@ struct BRANTEL_EXPORT Expression {
 };
 
 /// A parsed rule. After a successful parse the number of expressions is the one that its type names.
-/// A hysteresis is a pair of expressions; the upper pair of a double hysteresis stands before the lower one.
+/// A hysteresis is a pair of expressions; the upper pair of a double hysteresis comes before the lower one.
 struct BRANTEL_EXPORT RuleObject {
     ExpressionType m_expressionType = NO_EXPRESSION;
     std::vector<Expression> m_expressions;
 };
 
-/// Tells the other placeholder type: typeid(MemoryField) for typeid(ParamField) and the reverse. Any other identity
+/// Returns the other placeholder type: typeid(MemoryField) for typeid(ParamField) and the reverse. Any other identity
 /// logs an error and yields typeid(ParamField).
 BRANTEL_EXPORT const std::type_info& getOtherType(const std::type_info& typeInfo);
 
 /// Replaces placeholders in `operand` by `value`, in place and in nested expressions too. `typeInfo` names the
 /// placeholder to replace: typeid(ParamField) or typeid(MemoryField); any other is reported as a violated invariant
-/// and taken as it is. Numbers and the other placeholder are left alone.
+/// and taken as it is. Numbers and the other placeholder are left as they are.
 /// Returns false, after an error line and a report, when an operand holds none of the five known types; a nested
-/// expression in which that happens stays wholly unfilled.
+/// expression in which that happens is left unchanged.
 template <typename T>
 BRANTEL_EXPORT bool fillInValue(boost::any& operand, T value, const std::type_info& typeInfo);
 
 /// Reduces `operand` to a number: an int or unsigned int converted to T (same 32 bits), an expression to 1 or 0. Both
 /// operands of an expression are always evaluated, left before right; comparisons compare as T.
-/// A placeholder that is still there or a foreign type logs an error, is reported and counts as 0; an operator outside
+/// A placeholder that is left or a foreign type logs an error, is reported and counts as 0; an operator outside
 /// 0 to 7 is reported only and yields 0.
 template <typename T>
 BRANTEL_EXPORT T check(const boost::any& operand);
 
-/// Decides one expression with its ParamField standing for `value`. Returns false also when an operand is foreign
-/// (reported by fillInValue). A decision is followed by the debug line "x=<value>: result=<1 or 0>".
+/// Evaluates one expression with `value` for its ParamField. Returns false also when an operand is foreign (reported by
+/// fillInValue). An evaluation ends with the debug line "x=<value>: result=<1 or 0>".
 template <typename T>
 BRANTEL_EXPORT bool checkInt(const Expression& expression, T value);
 
-/// Decides a value rule for one sample. A rule of another type or with other than 1 expression logs an error and
+/// Evaluates a value rule against one sample. A rule of another type or with other than 1 expression logs an error and
 /// yields false.
 template <typename T>
 BRANTEL_EXPORT bool checkSimpleValueRule(const RuleObject& rule, T sample);
 
-/// Decides a delta rule on the size of the change between two samples; its direction does not count. A rule of
+/// Evaluates a delta rule against the size of the change between two samples; its direction does not count. A rule of
 /// another type or with other than 1 expression logs an error and yields false; so does, for T = int, a change above
 /// 2147483647. The size is logged at debug level.
 template <typename T>
 BRANTEL_EXPORT bool checkSimpleDeltaRule(const RuleObject& rule, T firstSample, T secondSample);
 
-/// Decides a pair of hysteresis expressions for one sample and returns the new state. In the first expression
-/// MemoryField stands for `previousState`, in the second for the result of the first. Returns false also when an
-/// operand is foreign (reported by fillInValue). A decision is followed by the debug line "x=<sample>: result=<1 or
+/// Evaluates a pair of hysteresis expressions against one sample and returns the new state. In the first expression
+/// MemoryField is `previousState`, in the second the result of the first. Returns false also when an
+/// operand is foreign (reported by fillInValue). An evaluation ends with the debug line "x=<sample>: result=<1 or
 /// 0>".
 template <typename T>
 BRANTEL_EXPORT bool checkHysteresis(const Expression& first, const Expression& second, T sample, bool previousState);
 
-/// Decides a single-hysteresis rule and returns the new state, to be passed back with the next sample. A rule of
+/// Evaluates a single-hysteresis rule and returns the new state, to be passed back with the next sample. A rule of
 /// another type or with other than 2 expressions logs an error and yields false.
 template <typename T>
 BRANTEL_EXPORT bool checkSingleHysteresisRule(const RuleObject& rule, T sample, bool previousState);
 
-/// Decides a double-hysteresis rule: updates the state of the upper pair, then that of the lower pair. A rule of
+/// Evaluates a double-hysteresis rule: updates the state of the upper pair, then that of the lower pair. A rule of
 /// another type or with other than 4 expressions logs an error and sets both states to false.
 template <typename T>
 BRANTEL_EXPORT void checkDoubleHysteresisRule(const RuleObject& rule, T sample, bool& upperState, bool& lowerState);

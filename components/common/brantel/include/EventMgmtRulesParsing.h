@@ -3,7 +3,7 @@
 
 // Event rules from text: validation and parsing into a RuleObject.
 //
-// Components call isValidRule on a rule text that they were given and parseRule on one that they will evaluate; the
+// Components call isValidRule on a rule text that they are given and parseRule on one that they will evaluate; the
 // inner levels are exported for tools and tests. The levels, outermost first:
 //
 //     rule         empty, a comment ("/" first), or parts separated by ";"          parseRule
@@ -12,6 +12,18 @@
 //     basic        value or delta, a relational operator, a whole number            parseBasicExpression
 //     hysteresis   hyshigh(n,n), hyslow(n,n) or both                                parseHysteresisExpression
 //     number       decimal digits, in signed rules with an optional "-" before      extractIntegerValue
+//
+// For example:
+//
+//     RuleObject rule;
+//     if (!parseRule("expr=unsigned(hyshigh(70,80))", &rule)) {
+//         return;  // the log says why
+//     }
+//     bool isRaised = checkSingleHysteresisRule(rule, 85U, false);  // true: above 80
+//     isRaised = checkSingleHysteresisRule(rule, 75U, isRaised);    // true: not at 70 yet
+//
+//     isValidRule("expr=unsigned(value=80)");  // false: "=" is not an operator; logs
+//         "Failed to find relational operator in expression 'value=80'"
 //
 // Only parseRule and isValidRule remove blanks and convert to lower case; the inner functions see a text as it is.
 //
@@ -38,7 +50,7 @@ BRANTEL_EXPORT bool isEmptyRule(const std::string& rule);
 BRANTEL_EXPORT bool isValidRule(const std::string& rule);
 
 /// Parses a whole rule and appends its expressions to `*pRuleObject`, which should be a fresh RuleObject; an empty rule
-/// leaves it alone. Blanks and letter case do not matter. With several parts the type of the last one stands.
+/// leaves it unchanged. Blanks and letter case do not matter. With several parts the type is that of the last one.
 /// Throws nothing.
 BRANTEL_EXPORT bool parseRule(const std::string& rule, RuleObject* pRuleObject);
 

@@ -12,9 +12,9 @@
 //     IfcCardsIgnoreEventsTable  managed objects of the interface cards whose events are ignored
 //     NrOfRowsChangedTable       what was changed in the other six
 //
-// Nothing here opens a database. The names are read each time they are needed, so a program that must live with a
-// database of other names points the constants at them before it starts its threads. Everything may run on any thread
-// as long as none assigns a constant meanwhile.
+// Nothing here opens a database. The names are read each time they are needed, so a program for a database with other
+// names points the constants at them before it starts its threads. Everything may run on any thread as long as none
+// assigns a constant.
 
 #include <cstdint>
 #include <vector>
@@ -32,7 +32,8 @@ enum AllowIgnoreTableId : std::uint32_t {
     IFC_CARDS_IGNORE_EVENTS_TABLE_ID = 3
 };
 
-/// The name of an allow or ignore table as its constant stands now; "unknown" for a value above 3. Not to be freed.
+/// The name of an allow or ignore table, the present value of its constant; "unknown" for a value above 3. Not to be
+/// freed.
 BRANTEL_EXPORT const char* allowIgnoreTableId2Name(AllowIgnoreTableId id);
 
 class BRANTEL_EXPORT EvmDatabase {
@@ -66,8 +67,8 @@ public:
     static const char* NR_OF_ROWS_CHANGED_ENABLE_EVENT;
 
     /// The definitions: the columns in order, the key first, then one empty field. Built afresh on every call from the
-    /// constants as they stand; the vector's capacity is its size. Nothing is thrown but what sql::Field and the
-    /// allocations throw.
+    /// present values of the constants; the vector's capacity is its size. Nothing is thrown but what sql::Field and
+    /// the allocations throw.
     static std::vector<sql::Field> getComponentConfigTableDefinition();
     static std::vector<sql::Field> getIfcCardsConfigTableDefinition();
     static std::vector<sql::Field> getSysCardAllowEventsTableDefinition();

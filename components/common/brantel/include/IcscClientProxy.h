@@ -10,10 +10,24 @@
 //     getOidsAsync                                           on slots with an asynchronous one
 //     deleteInstance                                         at shutdown; ends all subscriptions
 //
+// For example:
+//
+//     OBcomponent component("fan control");
+//     IcscClientProxy::createInstance();
+//     IcscClientProxy& client = IcscClientProxy::getInstance();
+//     client.subscribeInterface(3, component);
+//     OidTypeValueMap values;
+//     const std::int32_t result = client.getOidsSync(3, {0x00010003}, values);
+//     if (result == 0) {
+//         const auto& source = boost::any_cast<const std::string&>(values.at(0x00010003).value);
+//     }  // -1: no answer; 7: the card has no such object
+//
+//     client.setOids(10, {}, 5);  // false, and a report: there is no slot 10
+//     IcscClientProxy::deleteInstance();
+//
 // Slots are 0 to 9; every other slot is reported as a violated invariant.
 //
-// A card answers with a result code: 0 is success; the most significant byte, unless it is 0, is the framework's result
-// (2: timeout, ...), and otherwise the low 24 bits are the card's (7: wrong OID, ...). Log lines name it.
+// A card answers with a result code (Icsc.h): 0 is success; log lines name the others.
 //
 // Timeouts are in seconds. Calls are made on the component's thread; there are no locks.
 //
@@ -24,6 +38,7 @@
 #include <memory>
 
 #include "BrantelExport.h"
+#include "Icsc.h"
 #include "IfcCardStatusAndControl.h"
 #include "message/buffer_t.h"
 
@@ -46,29 +61,29 @@ public:
     IcscClientProxy& operator=(const IcscClientProxy&) = delete;
 
     /// Subscribes the slot's synchronous interface, ICSCClient<slot>.ReadWriteSync, for `component`, which must outlive
-    /// the instance. A slot that is subscribed already stays as it is.
+    /// the instance. A slot that is already subscribed is left as it is.
     void subscribeInterface(std::uint32_t slot, OBcomponent& component);
 
     /// Subscribes the slot's asynchronous interface, ICSCClient<slot>.ReadWriteAsync; the framework delivers answers to
-    /// `replyInterface`, which must outlive the instance like `component`. A slot that is subscribed already stays as
-    /// it is.
+    /// `replyInterface`, which must outlive the instance like `component`. A slot that is already subscribed is left
+    /// as it is.
     void subscribeAsyncInterface(std::uint32_t slot, OBcomponent& component, OBappsToICSC_1_0_PR& replyInterface);
 
     /// Reads `oids` from the card and adds their values to `values`; waits for the answer. Returns
     ///     0             success; also, after a report, for a wrong slot or one without synchronous subscription
-    ///     -1            the call failed, or its answer could not be decoded (convertTlvsToOidTypeValueMap tells what
-    ///                   becomes of `values`)
+    ///     -1            the call failed, or its answer could not be decoded (convertTlvsToOidTypeValueMap describes
+    ///                   what `values` holds then)
     ///     result code   the framework or the card refused
     /// An OID that `values` already has makes the answer fail as a duplicate. More than 255 OIDs do not fit into a
     /// request: what buffer_t throws goes to the caller.
     std::int32_t getOidsSync(std::uint32_t slot, const ObjectIdContainer& oids, OidTypeValueMap& values);
 
     /// Sends a request to read `oids`; does not wait. The answer goes to the reply interface of the subscription.
-    /// Returns false for a wrong slot or one without asynchronous subscription (reported), and when the call or its
-    /// result code tells of a failure. More than 255 OIDs are refused as in getOidsSync.
+    /// Returns false for a wrong slot or one without asynchronous subscription (reported), and when the call or the
+    /// card reports a failure. More than 255 OIDs are refused as in getOidsSync.
     bool getOidsAsync(std::uint32_t slot, const ObjectIdContainer& oids);
 
-    /// Writes `values` to the card and waits at most `timeout` seconds for the result; 0 stands for 5. The slot must
+    /// Writes `values` to the card and waits at most `timeout` seconds for the result; 0 means 5. The slot must
     /// have a synchronous subscription: only the slot's number is checked. Returns false for a wrong slot (reported),
     /// values that cannot be encoded, a failed call, and a result code other than 0, 2 (duplicate message) and 3 (lost
     /// message); the last two are warnings.
@@ -80,18 +95,16 @@ public:
     bool getSetOidsCommon(bool read, std::uint32_t slot, std::int32_t timeout, buffer_t& tlvs, std::int32_t& result);
 
 private:
-    static constexpr std::uint32_t N_SLOTS = 10;
-
     IcscClientProxy();
     ~IcscClientProxy();
 
-    std::unique_ptr<OBappsToICSC_1_0_P> m_pOBappsToICSC_sync[N_SLOTS];
-    std::unique_ptr<OBappsToICSC_1_0_P> m_pOBappsToICSC_async[N_SLOTS];
+    std::unique_ptr<OBappsToICSC_1_0_P> m_pOBappsToICSC_sync[icsc::N_SLOTS];
+    std::unique_ptr<OBappsToICSC_1_0_P> m_pOBappsToICSC_async[icsc::N_SLOTS];
 
     static IcscClientProxy* m_pInstance;
 };
 
-/// Holds what the client takes for granted at compile time; does nothing at run time.
+/// Checks what the client takes for granted at compile time; does nothing at run time.
 BRANTEL_EXPORT void doIcscClientProxyCompileTimeAssertions();
 
 #endif

@@ -11,17 +11,31 @@
 //     OID element    oid (32 bits)                                a request to read
 //     value element  oid (32 bits), type code (8 bits), value     a request to write, the answer to a read
 //
+// For example:
+//
+//     OidTypeValueMap values;
+//     if (convertTlvsToOidTypeValueMap(slot, tlvs, values, nullptr)) {  // the answer to an asynchronous read
+//         for (const auto& [oid, record] : values) {
+//             if (record.type == OID_TYPE_INT32) {
+//                 const int value = boost::any_cast<int>(record.value);
+//             }
+//         }
+//     }
+//
+//     buffer_t request;
+//     convertOidTypeValueContainerToTlvs({{1, OID_TYPE_BOOL, 1}}, request);  // false, with a report: not a bool
+//
 // No function keeps state. The decoding functions move the read position of the stream that they are given, so one
 // stream belongs to one thread at a time.
 //
 // Errors go to syslog when the trace level is above 2, debug lines when it is above 8; violated invariants go to
 // logAssertFailed at any level.
 
-#include <netinet/in.h>
-
 #include <cstdint>
 #include <map>
 #include <vector>
+
+#include <netinet/in.h>
 
 #include <boost/any.hpp>
 
@@ -32,7 +46,7 @@
 using ObjectIdContainer = std::vector<std::uint32_t>;
 
 /// Type code of a value: what a boost::any must hold, and how its bytes look in an element. Integers travel in their
-/// own width. Code 11 is not in use, and codes above 13 do not exist: both are refused.
+/// own width. Code 11 is unused and codes above 13 do not exist: both are refused.
 enum OidValueType : std::int32_t {
     OID_TYPE_UINT64 = 0,         ///< unsigned long long
     OID_TYPE_UINT32 = 1,         ///< unsigned int

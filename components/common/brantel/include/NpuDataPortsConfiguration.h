@@ -1,8 +1,8 @@
 #ifndef NPU_DATA_PORTS_CONFIGURATION_H
 #define NPU_DATA_PORTS_CONFIGURATION_H
 
-// The data ports of the node's network processing unit (NPU), and what of the data communication network (DCN) runs
-// over them.
+// The data ports of the node's network processing unit (NPU), and the VLANs and label of the data communication network
+// (DCN) on them.
 //
 // A component creates the implementation for the NPU's chip and asks it through the interface, in any order:
 //
@@ -72,7 +72,7 @@ public:
     std::uint32_t getDcnVlanNumber(std::uint32_t slot, std::uint32_t link) const override;
 
     /// What getMaxBandwidth and getDcnVlanNumber answer for a link that `port` serves. Nothing is checked: port 0
-    /// stands for the placeholder of some backplanes.
+    /// is the placeholder of some backplanes.
     static std::uint32_t maxBandwidthOfPort(std::uint32_t port);
     static std::uint32_t dcnVlanOfPort(std::uint32_t port);
 };

@@ -17,7 +17,7 @@ const char* const expressionTypeNames[5] = {
 
 namespace {
 
-const std::type_info* const placeholderTypes[2] = {&typeid(ParamField), &typeid(MemoryField)};
+const std::type_info* const PLACEHOLDER_TYPES[2] = {&typeid(ParamField), &typeid(MemoryField)};
 
 const char* expressionTypeName(ExpressionType type)
 {
@@ -51,8 +51,8 @@ std::string sampleAndResult(T sample, bool result)
     return text.str();
 }
 
-// The two functions below decide what the walk declined, and report as they go; false when a fill failed. Cold, so that
-// they stay out of the way of the walk.
+// The two functions below evaluate what the walk declined, and report as they go; false when a fill failed. Marked cold
+// to keep the walk's code path small.
 
 template <typename T>
 [[gnu::cold]] bool substituteAndCheck(const Expression& expression, T value, bool& result)
@@ -75,7 +75,7 @@ template <typename T>
         !fillInValue(filledSecond, sample, typeid(ParamField))) {
         return false;
     }
-    // What has been filled in once holds known types alone: from here on filling in does not fail.
+    // After the first fill all operands are of known types, so the fills below do not fail.
     fillInValue(filledFirst, static_cast<T>(previousState), typeid(MemoryField));
     const T intermediateResult = check<T>(filledFirst);
     fillInValue(filledSecond, intermediateResult, typeid(MemoryField));
@@ -87,13 +87,13 @@ template <typename T>
 
 const std::type_info& getOtherType(const std::type_info& typeInfo)
 {
-    if (typeInfo == *placeholderTypes[0]) {
-        return *placeholderTypes[1];
+    if (typeInfo == *PLACEHOLDER_TYPES[0]) {
+        return *PLACEHOLDER_TYPES[1];
     }
-    if (typeInfo != *placeholderTypes[1]) {
+    if (typeInfo != *PLACEHOLDER_TYPES[1]) {
         LOG_ERROR("getOtherType(): Unknown typeInfo");
     }
-    return *placeholderTypes[0];
+    return *PLACEHOLDER_TYPES[0];
 }
 
 template <typename T>
@@ -140,7 +140,7 @@ T check(const boost::any& operand)
     }
     if (heldType == typeid(Expression)) {
         const auto& expression = boost::any_cast<const Expression&>(operand);
-        // No short cut: a placeholder left on the right is reported even when the left decides.
+        // No short cut: a placeholder left on the right is reported even when the left settles the result.
         const T left = check<T>(expression.m_leftOperand);
         const T right = check<T>(expression.m_rightOperand);
         bool result = false;
@@ -200,7 +200,7 @@ bool checkSimpleDeltaRule(const RuleObject& rule, T firstSample, T secondSample)
 
     constexpr long long limit = std::numeric_limits<int>::max();
     if (std::is_same_v<T, int> && (delta > limit)) {
-        // The limit stands before the delta, against the sense of the sentence: readers of the log know the line so.
+        // The limit comes before the delta, against the sense of the sentence: readers of the log know the line so.
         LOG_ERROR("Delta=%lld but VEMOR does not support deltas larger than %lld in int32_t rules", limit, delta);
         return false;
     }

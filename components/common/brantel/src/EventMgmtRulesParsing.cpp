@@ -29,15 +29,15 @@ struct OperatorToken {
     RelationalOperator relationalOperator;
 };
 
-// In search order: the first token that occurs anywhere wins, so "<=" stands before "<".
-constexpr OperatorToken operatorTokens[] = {
+// In search order: the first token that occurs anywhere wins, so "<=" comes before "<".
+constexpr OperatorToken OPERATOR_TOKENS[] = {
     {"<=", LESS_OR_EQUAL},  //
     {">=", GREATER_OR_EQUAL}, {"==", EQUAL}, {"!=", NOT_EQUAL}, {"<", LESS_THAN}, {">", GREATER_THAN},
 };
 
 const OperatorToken* findOperatorToken(const std::string& text)
 {
-    for (const OperatorToken& candidate : operatorTokens) {
+    for (const OperatorToken& candidate : OPERATOR_TOKENS) {
         if (boost::find_first(text, candidate.token)) {
             return &candidate;
         }
@@ -106,7 +106,7 @@ bool parseRule(const std::string& rule, RuleObject* pRuleObject)
     try {
         std::string normalised = rule;
         boost::erase_all(normalised, " ");
-        // Rules have few capitals, and to ask a locale about each letter would cost more than all else in the parse.
+        // Rules have few capitals, and asking a locale about each letter would cost more than the rest of the parse.
         if (hasCapitals(normalised)) {
             boost::to_lower(normalised, std::locale::classic());
         }
@@ -148,7 +148,7 @@ bool parseExpression(const std::string& part, RuleObject* pRuleObject)
         LOG_ERROR("No = sign in expression '%s'", part.c_str());
         return false;
     }
-    // "signed(" is looked for from the start and not from the "=": rules in the field rely on it.
+    // "signed(" is searched from the start and not from the "=": rules in the field rely on it.
     const Position posUnsigned = part.find("unsigned(", posEqual);
     const bool isUnsigned = (posUnsigned != N_POS);
     const Position posWord = isUnsigned ? posUnsigned : part.find("signed(");
@@ -338,7 +338,7 @@ bool parseSingleHysterisExpression(const std::string& expr, bool isUnsigned, uns
 
     const std::vector<std::string> args = splitAtEvery(hystValues, ",");
     if (args.size() != 2) {
-        // As long as the position of the ")" says: the text may run on beyond the call.
+        // The position of the ")" is the length: the text may go beyond the call.
         LOG_ERROR("Failed to find 2 arguments of hysteresis function : %s)", expr.substr(pos, posRightBracket).c_str());
         return false;
     }

@@ -14,13 +14,13 @@ namespace {
 
 constexpr std::size_t MAC_ADDRESS_LENGTH = 6;
 
-// Whose line or report a helper writes.
+// The function in whose name a helper logs and reports: the texts are fixed, and name the exported function.
 struct Caller {
     const char* name;
     const char* signature;
 };
 
-// The value, which must hold exactly a T. Types are mostly told apart by their addresses alone.
+// The value, which must hold exactly a T. Comparing the addresses of the types is nearly always enough.
 template <typename T>
 BOOST_FORCEINLINE const T& heldAs(const boost::any& value)
 {
@@ -28,7 +28,7 @@ BOOST_FORCEINLINE const T& heldAs(const boost::any& value)
                                                      : boost::any_cast<const T&>(value);
 }
 
-// Part of its caller, where the element is little more than the registers that its parts are in.
+// Inlined, so that the element is little more than the registers that its parts are in.
 template <typename T>
 BOOST_FORCEINLINE void appendElement(const OidTypeValue& entry, const T& value, buffer_t& tlvs)
 {
@@ -114,7 +114,7 @@ boost::any readValue(const buffer_t& element, OidValueType type, const Caller& c
     return {};
 }
 
-// `expected` is the place where a card that answers in the order of the request has the OID.
+// `expected` is the index of the OID if the card answers in the order of the request.
 bool isRequested(const ObjectIdContainer& requestedOids, std::size_t expected, std::uint32_t oid)
 {
     return (requestedOids[expected] == oid) ||
@@ -125,7 +125,7 @@ bool isRequested(const ObjectIdContainer& requestedOids, std::size_t expected, s
 bool addRecord(OidTypeValueMap& values, std::uint32_t oid, TypeValueRecord&& record)
 {
     const std::size_t sizeBefore = values.size();
-    values.try_emplace(values.end(), oid, std::move(record));  // cards answer in ascending order more often than not
+    values.try_emplace(values.end(), oid, std::move(record));  // cards usually answer in ascending order
     return values.size() != sizeBefore;
 }
 

@@ -41,7 +41,7 @@ constexpr const char* baseName(const char* path)
     return name;
 }
 
-// Puts the arguments that every line starts with before the line's own. A template and not a variadic macro, because
+// Puts the arguments that every line starts with before its own. A template and not a variadic macro, because
 // C++17 cannot drop the comma before an empty __VA_ARGS__.
 template <typename... Args>
 void writeLine(int priority, const char* file, int line, const char* function, const char* format, Args... args)
@@ -85,11 +85,11 @@ inline bool holdsOrIsReported(bool holds, const char* condition, const char* fil
 #define ASSERT_OR_REPORT(condition) \
     brantelLog::holdsOrIsReported((condition), #condition, __FILE__, __LINE__, __PRETTY_FUNCTION__)
 
-// For a report whose function text is prescribed: compilers spell signatures differently.
+// For a report whose function text is fixed, byte for byte: compilers spell signatures differently.
 #define ASSERT_OR_REPORT_AS(condition, functionText) \
     brantelLog::holdsOrIsReported((condition), #condition, __FILE__, __LINE__, functionText)
 
-// For a report whose line is prescribed too.
+// For a report whose line is fixed too, wherever the check is in the file.
 #define ASSERT_OR_REPORT_AT(condition, line, functionText) \
     brantelLog::holdsOrIsReported((condition), #condition, __FILE__, line, functionText)
 

@@ -7,7 +7,8 @@
 
 namespace {
 
-// Reports of wrong ports and VLANs carry these texts and lines, whatever the compiler makes of the functions below.
+// The texts and lines in the reports of wrong ports and VLANs are fixed, whatever the compiler makes of the functions
+// below.
 constexpr char CHECK_NPU_PORT[] = "virtual bool DefaultKatanaDataPortsConfig::checkNpuPort(uint32_t) const";
 constexpr char CHECK_DCN_VLAN[] = "virtual bool DefaultKatanaDataPortsConfig::checkDcnVlan(uint32_t) const";
 constexpr int NPU_PORT_LINE = 31;
@@ -54,7 +55,7 @@ bool DefaultKatanaDataPortsConfig::hasNpuPortForSlotLink(std::uint32_t slot, std
     if (!phy_getNpuPortForSlotBpPort(slot, link)) {
         return false;
     }
-    // Not used, and kept: how often an operation attaches the segment is part of what others see of it.
+    // The result is not needed, but others can see how often an operation attaches the segment.
     phy_otnCommon::readBackplaneType();
     return true;
 }

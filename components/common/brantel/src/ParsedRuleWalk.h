@@ -1,14 +1,14 @@
 #ifndef BRANTEL_PARSED_RULE_WALK_H
 #define BRANTEL_PARSED_RULE_WALK_H
 
-// The fast way to decide an expression of one of the shapes that the parser builds: a walk over its operands in place.
-// It copies nothing, allocates nothing and reports nothing: each function answers in `result`, or declines (returns
-// false) when the expression has another shape or there would be something to report. Where it answers, it answers as
-// filling in and checking a copy would. Private.
+// The fast way to evaluate an expression of one of the shapes that the parser builds: a walk over its operands in
+// place. It copies nothing, allocates nothing and reports nothing: each function answers in `result`, or declines
+// (returns false) when the expression has another shape or there would be something to report. Where it answers, it
+// answers as filling in and checking a copy would. Private.
 //
-// What costs here is to ask an operand for its type, a virtual call. So each is asked as few times as can be, the usual
-// type is the likely one, and all functions become part of their caller, where each such call has a place of its own
-// and leads, rule after rule, to the same type.
+// The expensive operation is querying an operand's type, a virtual call. So each is queried as rarely as possible, the
+// usual type is marked likely, and all functions are inlined: each call site then meets, rule after rule, the same
+// type.
 
 #include <type_traits>
 #include <typeinfo>
@@ -37,7 +37,7 @@ BOOST_FORCEINLINE bool applyOperator(RelationalOperator relationalOperator, T le
     return false;
 }
 
-// Types are told apart by address, which is enough for every rule that the parser builds. A type that only compares
+// Types are compared by address, which is enough for every rule that the parser builds. A type that only compares
 // equal, from a plug-in loaded apart, makes the walk decline.
 template <typename Held>
 BOOST_FORCEINLINE bool isType(const std::type_info& heldType)
@@ -62,7 +62,7 @@ BOOST_FORCEINLINE bool readNumber(const boost::any& operand, T& number)
     return false;
 }
 
-// A ParamField beside a number, in either order.
+// A ParamField and a number, in either order.
 template <typename T>
 BOOST_FORCEINLINE bool walkComparison(const Expression& expression, T value, bool& result)
 {

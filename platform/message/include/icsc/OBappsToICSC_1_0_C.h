@@ -1,7 +1,7 @@
 #ifndef ICSC_OB_APPS_TO_ICSC_1_0_C_H
 #define ICSC_OB_APPS_TO_ICSC_1_0_C_H
 
-// The ICSC interface, version 1.0, serving side: what stands between the applications and one interface card. Derive,
+// The ICSC interface, version 1.0, serving side: between the applications and one interface card. Derive,
 // override both operations, and construct one object per service name ("ICSCClient3.ReadWriteSync").
 
 #include "message/OBconnection.h"

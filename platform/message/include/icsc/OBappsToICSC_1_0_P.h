@@ -13,8 +13,7 @@ public:
 
     /// Reads the objects that `tlvs` lists; the card may take `timeout` seconds. Synchronous: the answer's stream
     /// replaces the request in `tlvs`, and `result` receives the ICSC result code. Asynchronous: `tlvs` and `result`
-    /// stay as they are, the answer goes to OBappsToICSC_1_0_PR. Returns -1 if the request could not be sent or nothing
-    /// came back within the reply wait time, and 0 otherwise.
+    /// are left unchanged, the answer goes to OBappsToICSC_1_0_PR. Returns 0, or -1 if the call failed (OBproxy::call).
     int ICSCRead(int timeout, buffer_t& tlvs, int& result);
 
     /// Writes the values that `tlvs` lists; otherwise like ICSCRead, with no stream in the answer.

@@ -3,7 +3,7 @@
 
 // The ICSC interface, version 1.0: the answers of asynchronous calls. A component derives from this class, overrides
 // the operations that it calls, and subscribes its proxies (OBappsToICSC_1_0_P) with it; one object may serve several
-// proxies, and tells them apart by the request's service name.
+// proxies, and distinguishes them by the request's service name.
 
 #include "message/OBproxy.h"
 

@@ -7,12 +7,12 @@
 //
 //     OBcomponent component("EventManager");
 //     ...                                       // create proxies and connections
-//     component.run();                          // until somebody calls component.stop()
+//     component.run();                          // until component.stop() is called
 //
-// A program with a loop of its own waits for fileDescriptor() to become readable and then calls dispatch(0ms).
+// A program with its own loop waits for fileDescriptor() to become readable and then calls dispatch(0ms).
 //
 // A component, its proxies and its connections are used on one thread; several components may live on several threads.
-// A component may be destroyed before its proxies and connections; calls then go on, dispatching ends.
+// A component may be destroyed before its proxies and connections; calls still work then, dispatching ends.
 // The framework runs threads in the background, so fork before the first component is created, not after.
 
 #include <chrono>
@@ -33,16 +33,25 @@ public:
     /// Throws std::runtime_error if the directory file cannot be used.
     explicit OBcomponent(const std::string& name);
 
-    /// The same with a directory file of the caller's choice; the environment variable is not looked at.
+    /// The same with a directory file of the caller's choice; the environment variable is ignored.
     OBcomponent(const std::string& name, const std::string& directoryFile);
 
     ~OBcomponent();
     OBcomponent(const OBcomponent&) = delete;
     OBcomponent& operator=(const OBcomponent&) = delete;
 
+    /// To be called before `nProxies` are made: throws std::runtime_error, which names the limit, if the process may
+    /// not open as many files as they and their connections need. A proxy without enough is not subscribed, or takes
+    /// its service for absent.
+    static void requireRoomFor(std::size_t nProxies);
+
     const std::string& name() const;
 
-    /// Waits up to `timeout` for something to do, handles all that is due, and returns how many messages and expired
+    /// Whether it is certain that no one serves the service now: its endpoint is a socket of this host that no process
+    /// listens on.
+    bool isServiceAbsent(const std::string& serviceName) const;
+
+    /// Waits up to `timeout` for something to do, handles everything due, and returns how many messages and expired
     /// waits it handled: 0 after a timeout, or at once when the component is stopping. Must not be called from a
     /// handler; it then returns 0 and logs an error. What a reply handler throws reaches the caller.
     std::size_t dispatch(std::chrono::milliseconds timeout);

@@ -6,8 +6,8 @@
 // the component. A handler answers its request with reply(), at once or later, whenever the answer is there. A request
 // that is not answered within the timeout that its caller gave is answered with the result TIMEOUT.
 //
-// What arrives and is no request of this interface never reaches a handler: it is logged, and answered with the
-// matching result if it says enough to be answered.
+// A message that is not a request of this interface never reaches a handler: it is logged, and answered with the
+// matching result if it can be answered.
 
 #include <cstdint>
 #include <memory>
@@ -28,22 +28,22 @@ public:
 
     const std::string& serviceName() const;
 
-    /// Where it serves, as in tcp://127.0.0.1:5601; a port that was left open with * is the one that it got.
+    /// Where it serves, as in tcp://127.0.0.1:5601; with the port that it got in place of *.
     std::string endpoint() const;
 
-    /// Answers a request, which may be done once, inside its handler or later. Returns false if it is not open: it was
-    /// answered, given up, or its time is over; also if the caller is no longer there to take the answer.
+    /// Answers a request, once, inside its handler or later. Returns false if it is not open: it was answered, given
+    /// up, or its time is over; also if the caller is gone.
     bool reply(const OBmessage& request, const buffer_t& payload, int result);
 
-    /// Gives a request up: its caller gets no answer at all, not even the result TIMEOUT.
+    /// Gives up a request: its caller gets no answer at all, not even the result TIMEOUT.
     void giveUp(const OBmessage& request);
 
-    /// Number of messages received that were no request and could not be answered either.
+    /// Number of messages received that were not requests and could not be answered either.
     std::uint64_t droppedMessages() const;
 
 protected:
-    /// Starts to serve `interface` under `serviceName`. Throws std::runtime_error if that is not possible: a name that
-    /// is none, an endpoint that is refused or taken by another connection, keys that cannot be used.
+    /// Starts to serve `interface` under `serviceName`. Throws std::runtime_error if that is not possible: an
+    /// invalid name, an endpoint that is refused or taken by another connection, keys that cannot be used.
     OBconnection(OBcomponent& component, const char* serviceName, const OBinterface& interface);
 
     /// Called for each request of the interface, on the component's thread. It may destroy this connection as its last

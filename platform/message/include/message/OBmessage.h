@@ -1,8 +1,8 @@
 #ifndef MESSAGE_OB_MESSAGE_H
 #define MESSAGE_OB_MESSAGE_H
 
-// What the framework tells a handler about a message: which service and operation it belongs to, and what its sender
-// put on the envelope. A connection's handler keeps a copy to answer the request later; a reply handler sees the
+// What a handler learns about a message: which service and operation it belongs to, and what its sender put on the
+// envelope. A connection's handler keeps a copy to answer the request later; a reply handler sees the
 // envelope of the request that is answered.
 
 #include <cstdint>
@@ -41,7 +41,7 @@ public:
     /// How long the service may take to answer, in seconds, as the caller gave it: it may be zero or negative.
     int timeout() const { return m_timeout; }
 
-    /// Tells the open requests of a connection apart, whoever sent them; 0 in a reply.
+    /// Identifies an open request of a connection, whoever sent it; 0 in a reply.
     std::uint64_t ticket() const { return m_ticket; }
 
 private:

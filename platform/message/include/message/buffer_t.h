@@ -2,7 +2,7 @@
 #define MESSAGE_BUFFER_T_H
 
 // The message framework's byte buffer: what a message carries, and what components and libraries write values into and
-// read them from. Writes append; reads consume, in the order of the writes, from a read position of their own:
+// read them from. Writes append; reads consume, in the order of the writes, from a separate read position:
 //
 //     buffer_t request;
 //     request << std::uint32_t{1} << element;        // the writer
@@ -18,13 +18,11 @@
 //     buffer_t      32-bit length, then the bytes: a buffer nested in this one
 //
 // The capacity is fixed and inline; nothing here allocates, except reading a std::string. Every length is checked
-// against the bytes that are there before it is believed. An operation that throws leaves this buffer, its read
+// against the bytes that are there before it is used. An operation that throws leaves this buffer, its read
 // position included, and the value to be read as they were.
 //
-// The types `long` and `unsigned long` are as wide as the machine makes them: use the fixed-width types for what
-// crosses a host's border. One thread at a time: reading moves the read position, of a const buffer too.
-
-#include <endian.h>
+// The width of `long` and `unsigned long` depends on the machine: use the fixed-width types for what leaves the host.
+// One thread at a time: reading moves the read position, of a const buffer too.
 
 #include <cstddef>
 #include <cstdint>
@@ -33,12 +31,14 @@
 #include <string>
 #include <type_traits>
 
+#include <endian.h>
+
 // Visible from everywhere, because programs and libraries pass one another buffers inside type-tagged values.
 class __attribute__((visibility("default"))) buffer_t {
 public:
     static constexpr std::size_t CAPACITY = 2048;
 
-    // The bytes are set as far as they are in use.
+    // Only bytes in use are set.
     // NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
 
     // NOLINTNEXTLINE(modernize-use-equals-default): buffer_t{} would set every byte to zero

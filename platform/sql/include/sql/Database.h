@@ -3,10 +3,10 @@
 
 // Tables in a database file, made from their definitions (sql/Field.h).
 //
-//     sql::Database::create(path, identity, tables);                     once; on a database that is there, a check
+//     sql::Database::create(path, identity, tables);                     once; on an existing database, a check
 //
 //     sql::Database database(path, identity, sql::Database::Access::WRITE);
-//     sql::Table cards(database, "IfcCardsConfigTable", definition);
+//     sql::Table cards(database, {"IfcCardsConfigTable", columns});
 //     sql::Transaction transaction(database);
 //     cards.insert({3, 17, 1});
 //     cards.update({{"EnableEvents", 0}}, {{"Slot", 2}});
@@ -37,6 +37,7 @@ namespace sql {
 /// Why an operation failed.
 enum class Problem {
     NOT_FOUND,   ///< there is no such file
+    EMPTY,       ///< the file holds nothing, as when its creation was interrupted
     FOREIGN,     ///< not a database, or one of another program
     NEWER,       ///< written by a newer version of the program
     DIFFERENT,   ///< a table is missing or not as defined
@@ -44,7 +45,7 @@ enum class Problem {
     FULL,        ///< no space left
     LOCKED,      ///< another program held the database for longer than this one waits
     CORRUPT,     ///< the file is damaged
-    CONSTRAINT,  ///< a row does not fit its table: a key that is there already, a value of the wrong type
+    CONSTRAINT,  ///< a row does not fit its table: a duplicate key, a value of the wrong type
     OTHER
 };
 
@@ -58,21 +59,34 @@ private:
     Problem m_problem;
 };
 
-/// By which a program knows its databases.
+/// How a program recognises its databases.
 struct Identity {
     std::int32_t applicationId;
     std::int32_t schemaVersion;  ///< from 1
 };
 
-using Definition = std::vector<Field>;
-
 struct TableDefinition {
     std::string name;
-    Definition definition;
+    std::vector<Field> columns;  ///< up to the first empty field
 };
 
-/// Nothing (null), a number or a text; a BOOLEAN column holds the numbers 0 and 1.
-using Value = std::variant<std::monostate, std::int64_t, std::string>;
+/// What no column may hold, but another program may have written: bytes (BLOB) or a fraction (REAL).
+struct OtherValue {
+    std::string text;  ///< as SQL writes it: X'00FF', 1.5
+};
+
+inline bool operator==(const OtherValue& one, const OtherValue& other)
+{
+    return one.text == other.text;
+}
+
+inline bool operator!=(const OtherValue& one, const OtherValue& other)
+{
+    return one.text != other.text;
+}
+
+/// Nothing (null), a number or a text; a BOOLEAN column holds the numbers 0 and 1. An OtherValue is only ever read.
+using Value = std::variant<std::monostate, std::int64_t, std::string, OtherValue>;
 
 /// Values in column order.
 using Row = std::vector<Value>;
@@ -85,7 +99,11 @@ using ColumnValues = std::vector<ColumnValue>;
 
 class SQL_EXPORT Database {
 public:
-    enum class Access { READ, WRITE };
+    enum class Access {
+        READ,
+        READ_AT_ONCE,  ///< READ, without waiting for what another program has locked
+        WRITE
+    };
 
     /// Opens an existing database, whose identity must be this one. Creates nothing.
     Database(const std::string& path, const Identity& identity, Access access);
@@ -107,6 +125,13 @@ public:
     /// What is damaged in the file, as sentences; none if nothing is. Reads the whole file.
     std::vector<std::string> findDamage() const;
 
+    /// What others have attached to the tables, as sentences: triggers, which change other rows than asked, and
+    /// indexes, which may refuse rows.
+    std::vector<std::string> findAttachments(const std::vector<TableDefinition>& tables) const;
+
+    /// True if the table has the constraints of its definition too, not only its columns.
+    bool hasConstraintsOf(const TableDefinition& table) const;
+
 private:
     friend class Table;
     friend class Transaction;
@@ -117,8 +142,8 @@ private:
     std::unique_ptr<Connection> m_pConnection;
 };
 
-/// While one lives, no other program writes. Undone unless committed. On a database opened for reading it keeps nobody
-/// from writing: all that is read during it is of one state. A database has at most one at a time.
+/// While one lives, no other program writes. Undone unless committed. On a database opened for reading it blocks no
+/// writer: everything read during it is of one state. A database has at most one at a time.
 class SQL_EXPORT Transaction {
 public:
     explicit Transaction(Database& database);
@@ -134,10 +159,10 @@ private:
     std::unique_ptr<State> m_pState;
 };
 
-/// One table of a database, by its definition up to the first empty field. The database must outlive it.
+/// One table of a database. The database must outlive it.
 class SQL_EXPORT Table {
 public:
-    Table(Database& database, const std::string& name, const Definition& definition);
+    Table(Database& database, const TableDefinition& definition);
     ~Table();
     Table(Table&& other) noexcept;
     Table& operator=(Table&& other) noexcept;
@@ -166,6 +191,25 @@ public:
 
     /// The largest number in the first column, 0 in an empty table.
     std::int64_t largestKey() const;
+
+    /// The smallest number from `lowest` that is not in the first column.
+    std::int64_t firstFreeKey(std::int64_t lowest) const;
+
+    /// Calls `visit` with each row whose key is in `first` to `last`.
+    void forEachInRange(std::int64_t first, std::int64_t last, const std::function<void(const Row&)>& visit) const;
+
+    /// Deletes the rows whose key is in `first` to `last`. Returns how many those are.
+    std::int64_t removeRange(std::int64_t first, std::int64_t last);
+
+    /// Calls `visit` with the keys of each row that has the same values in `columnNames` as an earlier one, and of the
+    /// first of those. The memory that this takes does not grow with the table.
+    using KeyPairVisitor = std::function<void(std::int64_t key, std::int64_t otherKey)>;
+    void forEachRepeated(const std::vector<std::string>& columnNames, const KeyPairVisitor& visit) const;
+
+    /// Calls `visit` with the keys of each row that has the same values in `columnNames` as a row of another table of
+    /// the same database, and of the first of those. The memory that this takes does not grow with the tables.
+    void forEachMatch(const Table& other, const std::vector<std::string>& columnNames,
+                      const KeyPairVisitor& visit) const;
 
 private:
     struct State;

@@ -1,13 +1,13 @@
 #ifndef SQL_FIELD_H
 #define SQL_FIELD_H
 
-// One column of a table. A table's definition is a vector of them in column order, closed by an empty one:
+// One column of a table. A table's definition is a vector of them in column order, ended by an empty one:
 //
 //     std::vector<sql::Field>{sql::Field("Slot", sql::field_type::INTEGER, sql::NOT_NULL | sql::PRIMARY_KEY),
 //                             sql::Field("CardType", sql::field_type::INTEGER, sql::NOT_NULL),
 //                             sql::Field()};
 //
-// Whoever reads a definition stops at the first empty field.
+// Readers of a definition stop at the first empty field.
 
 #include <cstdint>
 #include <string>

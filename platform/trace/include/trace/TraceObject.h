@@ -1,7 +1,7 @@
 #ifndef TRACE_TRACE_OBJECT_H
 #define TRACE_TRACE_OBJECT_H
 
-// The process's trace level, which decides what the node's components and libraries write to syslog:
+// The process's trace level: what the node's components and libraries write to syslog.
 //
 //     above 2   errors
 //     above 3   warnings

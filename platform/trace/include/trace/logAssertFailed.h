@@ -1,11 +1,11 @@
 #ifndef TRACE_LOG_ASSERT_FAILED_H
 #define TRACE_LOG_ASSERT_FAILED_H
 
-// Reports of violated invariants. Libraries and components report and go on; what happens with a report is the
-// program's choice.
+// Reports of violated invariants. Libraries and components report and continue; the program chooses what happens with a
+// report.
 
 /// Reports that `condition`, found false at `file`:`line` in `function` (its full signature), does not hold. Writes one
-/// syslog line at priority error, whatever the trace level, unless the program installed a handler of its own.
+/// syslog line at priority error, whatever the trace level, unless the program installed a handler.
 /// May be called on any thread.
 __attribute__((visibility("default"))) void logAssertFailed(const char* condition, const char* file, int line,
                                                             const char* function);
@@ -14,7 +14,7 @@ __attribute__((visibility("default"))) void logAssertFailed(const char* conditio
 using AssertFailedHandler = void (*)(const char* condition, const char* file, int line, const char* function);
 
 /// Installs `handler` in place of the syslog line and returns the handler that it replaces, to be put back later; null
-/// stands for the syslog line, both ways. May be called on any thread.
+/// means the syslog line, both ways. May be called on any thread.
 __attribute__((visibility("default"))) AssertFailedHandler setAssertFailedHandler(AssertFailedHandler handler);
 
 #endif

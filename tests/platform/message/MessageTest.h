@@ -1,0 +1,29 @@
+#ifndef TESTS_PLATFORM_MESSAGE_MESSAGE_TEST_H
+#define TESTS_PLATFORM_MESSAGE_MESSAGE_TEST_H
+
+// A runtime directory for the test alone, and the captured log.
+
+#include <cstdlib>
+#include <string>
+
+#include "support/Diagnostics.h"
+#include "support/ErrorOf.h"
+#include "support/TemporaryDirectory.h"
+
+constexpr const char* SERVICE = "ICSCClient3.ReadWriteSync";
+
+class MessageTest : public ::testing::Test {
+protected:
+    static constexpr std::int32_t WARNINGS = 4;
+
+    MessageTest()
+    {
+        ::setenv("XDG_RUNTIME_DIR", m_folder.path().c_str(), 1);
+        ::unsetenv("BRANTEL_MESSAGE_DIRECTORY");
+    }
+
+    DiagnosticsCapture m_diagnostics{WARNINGS};
+    TemporaryDirectory m_folder;
+};
+
+#endif
