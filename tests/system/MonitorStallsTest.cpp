@@ -200,6 +200,8 @@ TEST(MonitorStalls, ALockedDatabaseKeepsItsRulesAndStopsNoCycle)
     EXPECT_TRUE(node.hasEvents(LoudNode::N_RULES));
     execute("BEGIN EXCLUSIVE");
     node.waitForCycles(20);  // too many for the time limit if each waited two seconds for the lock
+    const std::string notice = "brantel: '" + node.path("events.db") + "' is locked by another program, try again";
+    EXPECT_EQ(countOf(contentOf(node.path("monitor.out")), notice), 1U);
     execute("COMMIT");
     ::sqlite3_close(pDatabase);
     node.makeEvents(false);
@@ -207,8 +209,6 @@ TEST(MonitorStalls, ALockedDatabaseKeepsItsRulesAndStopsNoCycle)
     pMonitor->send(SIGTERM);
 
     EXPECT_EQ(pMonitor->wait(), 0);
-    const std::string notice = "brantel: '" + node.path("events.db") + "' is locked by another program, try again";
-    EXPECT_EQ(countOf(contentOf(node.path("monitor.out")), notice), 1U);
 }
 
 TEST(MonitorStalls, AReaderThatIsGoneEndsTheMonitorOnceItsEventsAreRecorded)
