@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "BrantelVersion.h"
 #include "commands/Commands.h"
 #include "commands/Usage.h"
 #include "common/CommandLine.h"
@@ -65,7 +66,7 @@ ExitCode runCommand(int argc, char** argv)
     app.footer(EXAMPLES);
     app.require_subcommand(1);
     app.fallthrough();
-    app.set_version_flag("--version", "brantel " BRANTEL_VERSION, "Print the version and exit");
+    app.set_version_flag("--version", std::string("brantel ") + brantelVersion(), "Print the version and exit");
     addIntegerOption(app, "-v,--trace-level", traceLevel, "How much the library logs (default: 3, errors)", 0,
                      HIGHEST_TRACE_LEVEL)
         ->type_name("N");

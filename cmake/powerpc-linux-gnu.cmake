@@ -6,9 +6,14 @@ set(CMAKE_CXX_COMPILER powerpc-linux-gnu-g++)
 set(CMAKE_C_COMPILER powerpc-linux-gnu-gcc)
 set(CMAKE_CROSSCOMPILING_EMULATOR "qemu-ppc;-L;/usr/powerpc-linux-gnu")
 
-# ZeroMQ for this processor comes from scripts/cross-zeromq.
+# Debian has neither SQLite nor ZeroMQ for this processor; scripts/cross-zeromq builds the latter, for the messages. These
+# are variables and not options, so that a configured tree takes up ZeroMQ as soon as it is there.
+set(BRANTEL_WITH_SQL OFF)
 set(crossZeroMq ${CMAKE_CURRENT_LIST_DIR}/../build/zeromq-ppc)
 set(ENV{PKG_CONFIG_LIBDIR} ${crossZeroMq}/lib/pkgconfig)
+if(NOT EXISTS ${crossZeroMq}/lib/libzmq.so)
+    set(BRANTEL_WITH_MESSAGE OFF)
+endif()
 
 set(CMAKE_FIND_ROOT_PATH /usr/powerpc-linux-gnu ${crossZeroMq})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

@@ -16,7 +16,7 @@ CommandResult brantel(const Arguments& arguments, const CommandSetting& setting 
 
 TEST(Command, PrintsItsVersion)
 {
-    EXPECT_EQ(brantel({"--version"}), (CommandResult{0, "brantel " BRANTEL_VERSION "\n", ""}));
+    EXPECT_EQ(brantel({"--version"}), (CommandResult{0, "brantel " PROJECT_VERSION "\n", ""}));
 }
 
 TEST(Command, HelpsWithExamplesOnEachLevel)

@@ -11,6 +11,8 @@
 
 namespace vemorRules {
 
+// Weak, so that the address sanitizer accepts a program with both libraries that have the rules; the first one counts.
+extern const char* const expressionTypeNames[5] __attribute__((weak));
 const char* const expressionTypeNames[5] = {
     "NO_EXPRESSION", "SIMPLE_EXPRESSION_VALUE", "SIMPLE_EXPRESSION_DELTA", "SINGLE_HYSTERESIS", "DOUBLE_HYSTERESIS",
 };
