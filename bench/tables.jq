@@ -70,6 +70,11 @@ def sideBySideTable($what; $bare):
     "|---|--:|--:|",
     (.[] | ["`\(.name)`", (.ns / 1000 | short), (.ratio | short)] | row);
 
+def startUpTable:
+    (["program", "loaded objects", "microseconds", "program : empty program"] | row),
+    "|---|--:|--:|--:|",
+    (.[] | [.name, (.objects | tostring), (.us | short), (.ratio | short)] | row);
+
 "Measured on \($machine), built by \($compiler).",
 if $part == "rules" then
     "", "### Evaluation, samples whose verdict changes", "", evaluationTable("changing"),
@@ -82,6 +87,8 @@ elif $part == "codec" then
     "", "### Decoding into the peers' own form", "", ownFormTable("decode")
 elif $part == "ports" then
     "", sideBySideTable("operation"; "bare calls")
-else
+elif $part == "roundtrip" then
     "", sideBySideTable("call"; "bare round trip")
+else
+    "", startUpTable
 end
