@@ -86,6 +86,7 @@ private:
     class SynchronousSubscription;
     class AsynchronousSubscription;
 
+    /// Subscribes asynchronously if there is a reply interface.
     int subscribe(const char* name, OBproxyReplyInterface* pReply);
 
     std::shared_ptr<obmessage::Dispatcher> m_pDispatcher;

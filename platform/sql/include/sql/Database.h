@@ -117,6 +117,7 @@ public:
     Database(Database&& other) noexcept;
     Database& operator=(Database&& other) noexcept;
 
+    /// The path that it was opened with.
     const std::string& path() const;
 
     /// How a table differs from its definition, as a sentence that names the column; no value if it does not.
@@ -167,11 +168,13 @@ public:
     Table(Table&& other) noexcept;
     Table& operator=(Table&& other) noexcept;
 
+    /// The name in its definition.
     const std::string& name() const;
 
     /// The columns, without the empty field.
     const std::vector<Field>& columns() const;
 
+    /// Adds a row, which has a value for each column.
     void insert(const Row& row);
 
     /// Sets `changes` in the rows that match all of `where`, in all rows if it is empty. Returns how many those are.
