@@ -66,7 +66,8 @@ void checkShadows(sql::Database& database, const EventTable& allowTable, const R
 // What other programs changed in the tables, which can be read nevertheless.
 void checkDefinitions(const sql::Database& database, const Report& report)
 {
-    for (const std::string& attachment : database.findAttachments(eventTableDefinitions())) {
+    for (const std::string& attachment :
+         database.findAttachments(eventMgmt::tableDefinitions<sql::TableDefinition>())) {
         report({"", {}, attachment, "", {}});
     }
     for (const EventTable& eventTable : eventTables()) {

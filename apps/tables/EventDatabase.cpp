@@ -4,7 +4,6 @@
 #include <limits>
 #include <utility>
 
-#include "EvmDatabase.h"
 #include "tables/RowNumbers.h"
 
 namespace brantel {
@@ -28,7 +27,8 @@ void requireTablesAsDefined(const sql::Database& database)
 // component is enabled.
 void requireNoAttachments(const sql::Database& database)
 {
-    const std::vector<std::string> attachments = database.findAttachments(eventTableDefinitions());
+    const std::vector<std::string> attachments =
+        database.findAttachments(eventMgmt::tableDefinitions<sql::TableDefinition>());
     if (!attachments.empty()) {
         throw sql::Error(sql::Problem::DIFFERENT, "'" + database.path() + "': " + attachments.front() +
                                                       "; remove it first ('brantel db check' lists all)");
@@ -51,7 +51,8 @@ sql::Database openEventDatabase(const std::string& path, sql::Database::Access a
 
 EventDatabase EventDatabase::create(const std::string& path)
 {
-    return EventDatabase(sql::Database::create(path, EVENT_DATABASE_IDENTITY, eventTableDefinitions()));
+    return EventDatabase(
+        sql::Database::create(path, EVENT_DATABASE_IDENTITY, eventMgmt::tableDefinitions<sql::TableDefinition>()));
 }
 
 EventDatabase::EventDatabase(const std::string& path, sql::Database::Access access)

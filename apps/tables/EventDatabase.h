@@ -14,13 +14,13 @@
 #include <string>
 #include <tuple>
 
+#include "EvmDatabase.h"
 #include "sql/Database.h"
 #include "tables/EventTables.h"
 
 namespace brantel {
 
-/// Identifies the database: "EvMg", and the version of its tables.
-constexpr sql::Identity EVENT_DATABASE_IDENTITY{0x45764D67, 1};
+constexpr sql::Identity EVENT_DATABASE_IDENTITY{eventMgmt::DATABASE_APPLICATION_ID, eventMgmt::DATABASE_SCHEMA_VERSION};
 
 /// Opens a database without a look at its tables. Throws sql::Error with a remedy.
 sql::Database openEventDatabase(const std::string& path, sql::Database::Access access);

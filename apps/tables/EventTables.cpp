@@ -124,15 +124,6 @@ const std::vector<EventTable>& eventTables()
     return tables;
 }
 
-std::vector<sql::TableDefinition> eventTableDefinitions()
-{
-    std::vector<sql::TableDefinition> definitions;
-    for (const EventTable& table : eventTables()) {
-        definitions.push_back(table.definition());
-    }
-    return definitions;
-}
-
 const EventTable* findEventTable(const std::string& name)
 {
     const auto found = std::find_if(eventTables().begin(), eventTables().end(),

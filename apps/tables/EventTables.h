@@ -64,9 +64,6 @@ private:
 /// All seven, the row-change table last.
 const std::vector<EventTable>& eventTables();
 
-/// Their definitions.
-std::vector<sql::TableDefinition> eventTableDefinitions();
-
 /// The table of that name, in any letter case; null if there is none.
 const EventTable* findEventTable(const std::string& name);
 

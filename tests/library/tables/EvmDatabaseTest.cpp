@@ -124,6 +124,35 @@ TEST(TableDefinitions, HaveAsManyElementsAsColumnsAndOneMore)
     EXPECT_EQ(sizes, (std::vector<std::size_t>{3, 4, 5, 4, 5, 4, 5}));
 }
 
+struct NamedDefinition {
+    std::string name;
+    Definition columns;
+};
+
+TEST(TableDefinitions, ComeWithTheNamesOfTheirTables)
+{
+    std::vector<std::string> names;
+    std::vector<Definition> definitions;
+    for (const NamedDefinition& table : tableDefinitions<NamedDefinition>()) {
+        names.push_back(table.name);
+        definitions.push_back(table.columns);
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"ComponentConfigTable", "IfcCardsConfigTable", "SysCardAllowEventsTable",
+                                               "SysCardIgnoreEventsTable", "IfcCardsAllowEventsTable",
+                                               "IfcCardsIgnoreEventsTable", "NrOfRowsChangedTable"}));
+    std::vector<Definition> expected;
+    for (const Table& table : allTables()) {
+        expected.push_back(table.expected);
+    }
+    EXPECT_EQ(definitions, expected);
+}
+
+TEST(Database, IsRecognisedByTheseNumbers)
+{
+    EXPECT_EQ(DATABASE_APPLICATION_ID, 1165380967);
+    EXPECT_EQ(DATABASE_SCHEMA_VERSION, 1);
+}
+
 Definition withoutRule(const Definition& allowTable)
 {
     Definition columns;

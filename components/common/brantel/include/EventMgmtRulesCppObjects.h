@@ -12,7 +12,9 @@
 //     DOUBLE_HYSTERESIS         checkDoubleHysteresisRule   the sample and two states, updated in place
 //
 // in the instantiation that the rule text declares: T = int for "signed(", T = unsigned int for "unsigned(". These two
-// instantiations are all that the library exports.
+// instantiations are all that the library exports. The object does not know which one is right; the type of the sample
+// selects it. The wrong one compares the same 32 bits as T, without an error line: checkSimpleValueRule(rule, 5) with a
+// rule "expr=unsigned(value>3000000000)" is true, because that limit is negative as an int.
 //
 // For example:
 //

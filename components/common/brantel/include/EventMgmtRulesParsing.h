@@ -25,6 +25,18 @@
 //     isValidRule("expr=unsigned(value=80)");  // false: "=" is not an operator; logs
 //         "Failed to find relational operator in expression 'value=80'"
 //
+//     RuleObject parts;
+//     parseRule("expr=signed(value>1);expr=signed(value>2)", &parts);  // true, but
+//     checkSimpleValueRule(parts, 5);                                  // always false: two expressions
+//
+// A valid rule is not always one that can be evaluated: the check functions take a rule of exactly one part. Of several
+// parts, or of two rules that were parsed into one object, the expressions add up, and every evaluation logs "nr of
+// expressions = 2 != expected = 1" and is false. So is every evaluation of an empty rule or a comment: its object has
+// no type.
+//
+// The RuleObject does not have the word "signed" or "unsigned": the component keeps it with the object and calls the
+// instantiation that it names (EventMgmtRulesCppObjects.h).
+//
 // Only parseRule and isValidRule remove blanks and convert to lower case; the inner functions see a text as it is.
 //
 // A null output pointer means that the call only checks: every check runs, nothing is stored. What was stored before a
@@ -46,11 +58,13 @@ namespace vemorRules {
 /// True if `rule` is empty or a comment, that is, if its very first character is "/".
 BRANTEL_EXPORT bool isEmptyRule(const std::string& rule);
 
-/// True if `rule` is empty, a comment or a rule that parseRule accepts. Logs what parseRule logs.
+/// True if `rule` is empty, a comment or a rule that parseRule accepts, also one that the check functions never
+/// evaluate because it has several parts. Logs what parseRule logs.
 BRANTEL_EXPORT bool isValidRule(const std::string& rule);
 
-/// Parses a whole rule and appends its expressions to `*pRuleObject`, which should be a fresh RuleObject; an empty rule
-/// leaves it unchanged. Blanks and letter case do not matter. With several parts the type is that of the last one.
+/// Parses a whole rule and appends its expressions to `*pRuleObject`; an empty rule or a comment leaves it unchanged.
+/// Use a fresh RuleObject for each rule: what a second rule appends makes the object one that is never evaluated, and
+/// the call returns true. Spaces and letter case do not matter. With several parts the type is that of the last one.
 /// Throws nothing.
 BRANTEL_EXPORT bool parseRule(const std::string& rule, RuleObject* pRuleObject);
 

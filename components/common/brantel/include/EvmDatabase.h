@@ -12,6 +12,20 @@
 //     IfcCardsIgnoreEventsTable  managed objects of the interface cards whose events are ignored
 //     NrOfRowsChangedTable       what was changed in the other six
 //
+// For example, with the tables on disk of the stand-alone edition (sql/Database.h):
+//
+//     using eventMgmt::EvmDatabase;
+//     const sql::Identity identity{eventMgmt::DATABASE_APPLICATION_ID, eventMgmt::DATABASE_SCHEMA_VERSION};
+//     sql::Database::create(path, identity, eventMgmt::tableDefinitions<sql::TableDefinition>());
+//
+//     sql::Database database(path, identity, sql::Database::Access::READ);
+//     const sql::Table rules(database, {EvmDatabase::IFC_CARDS_ALLOW_EVENTS_TABLE_NAME,
+//                                       EvmDatabase::getIfcCardAllowEventsTableDefinition()});
+//
+//     sql::Database::create(path, {1, 1}, {});  // throws sql::Error: the file is of another program
+//
+// The lists of the interface cards have getIfcCard... as functions and IFC_CARDS_... as constants.
+//
 // Nothing here opens a database. The names are read each time they are needed, so a program for a database with other
 // names points the constants at them before it starts its threads. Everything may run on any thread as long as none
 // assigns a constant.
@@ -23,6 +37,11 @@
 #include "sql/Field.h"
 
 namespace eventMgmt {
+
+/// How a file is recognised as an event-management database: SQLite's application ID ("EvMg") and user version. A
+/// program refuses a file with another ID or a larger version.
+constexpr std::int32_t DATABASE_APPLICATION_ID = 0x45764D67;
+constexpr std::int32_t DATABASE_SCHEMA_VERSION = 1;
 
 /// The four tables of allow and ignore lists.
 enum AllowIgnoreTableId : std::uint32_t {
@@ -77,6 +96,23 @@ public:
     static std::vector<sql::Field> getIfcCardIgnoreEventsTableDefinition();
     static std::vector<sql::Field> getNrOfRowsChangedTableDefinition();
 };
+
+/// All seven tables, NrOfRowsChangedTable last, each with its definition. `TableDefinition` is what the SQL wrapper
+/// takes for a table, and is made of a name and of the columns: sql::TableDefinition in the stand-alone edition.
+template <typename TableDefinition>
+std::vector<TableDefinition> tableDefinitions()
+{
+    using Evm = EvmDatabase;
+    return {
+        {Evm::COMPONENT_CONFIG_TABLE_NAME, Evm::getComponentConfigTableDefinition()},
+        {Evm::IFC_CARDS_CONFIG_TABLE_NAME, Evm::getIfcCardsConfigTableDefinition()},
+        {Evm::SYS_CARD_ALLOW_EVENTS_TABLE_NAME, Evm::getSysCardAllowEventsTableDefinition()},
+        {Evm::SYS_CARD_IGNORE_EVENTS_TABLE_NAME, Evm::getSysCardIgnoreEventsTableDefinition()},
+        {Evm::IFC_CARDS_ALLOW_EVENTS_TABLE_NAME, Evm::getIfcCardAllowEventsTableDefinition()},
+        {Evm::IFC_CARDS_IGNORE_EVENTS_TABLE_NAME, Evm::getIfcCardIgnoreEventsTableDefinition()},
+        {Evm::NR_OF_ROWS_CHANGED_TABLE_NAME, Evm::getNrOfRowsChangedTableDefinition()},
+    };
+}
 
 }  // namespace eventMgmt
 

@@ -9,6 +9,9 @@
 //
 // A program creates one TraceObject at start-up and points g_traceObject at it; until then only assertion reports
 // (logAssertFailed) are written. The object must outlive every thread that may log.
+//
+// Of a node's own platform the libraries take getTraceLevel and g_traceObject, no more: how its TraceObject is made is
+// between the program and that platform.
 
 #include <atomic>
 #include <cstdint>

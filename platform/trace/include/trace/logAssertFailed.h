@@ -3,6 +3,9 @@
 
 // Reports of violated invariants. Libraries and components report and continue; the program chooses what happens with a
 // report.
+//
+// logAssertFailed is the platform's on every node. The handler is of the stand-alone edition only: code that installs
+// one does not build against another platform, so leave it to main or to tests.
 
 /// Reports that `condition`, found false at `file`:`line` in `function` (its full signature), does not hold. Writes one
 /// syslog line at priority error, whatever the trace level, unless the program installed a handler.
