@@ -175,6 +175,7 @@ public:
         const auto& series = sampleSeries(T());
         registerEvaluation<kind>(texts, "library", std::make_shared<LibraryEvaluator<T>>(texts.rule), series);
         registerEvaluationWithoutTrace<kind>(texts, series);
+        registerEvaluation<kind>(texts, "compiled", std::make_shared<CompiledEvaluator<T>>(texts.rule), series);
         registerEvaluation<kind>(texts, "hand-written", std::make_shared<HandWritten>(), series);
         registerEvaluation<kind>(texts, "substitution", std::make_shared<SubstitutionEvaluator<T>>(texts.rule), series);
         registerEvaluation<kind>(texts, "muparser", std::make_shared<MuparserEvaluator<T>>(texts.muparserCondition),

@@ -16,6 +16,7 @@
 
 #include <muParser.h>
 
+#include "EventMgmtCompiledRules.h"
 #include "EventMgmtRulesCppObjects.h"
 #include "EventMgmtRulesParsing.h"
 #include "LuaInterface.h"
@@ -54,6 +55,30 @@ public:
 
 private:
     vemorRules::RuleObject m_rule;
+};
+
+/// The compiled form, whose checks the compiler puts where they are called.
+template <typename T>
+class CompiledEvaluator {
+public:
+    explicit CompiledEvaluator(const std::string& ruleText)
+        : m_rule(vemorRules::compileRule<T>(parsedRule(ruleText)).value())
+    {
+    }
+
+    bool checkValue(T sample) const { return vemorRules::checkSimpleValueRule(m_rule, sample); }
+    bool checkDelta(T first, T second) const { return vemorRules::checkSimpleDeltaRule(m_rule, first, second); }
+    bool checkSingle(T sample, bool state) const
+    {
+        return vemorRules::checkSingleHysteresisRule(m_rule, sample, state);
+    }
+    void checkDouble(T sample, bool& upper, bool& lower) const
+    {
+        vemorRules::checkDoubleHysteresisRule(m_rule, sample, upper, lower);
+    }
+
+private:
+    vemorRules::CompiledRule m_rule;
 };
 
 template <typename T>

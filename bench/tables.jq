@@ -32,6 +32,26 @@ def evaluationTable($series):
            $ns.muparser / $ns.library, $ns.lua54 / $ns.library, $ns.luajit / $ns.library] | map(short))
      | row);
 
+def compiledTable($series):
+    (["rule", "compiled, ns", "compiled : hand-written", "library : compiled", "muparser : compiled",
+      "Lua 5.4 : compiled", "LuaJIT : compiled"] | row),
+    "|---|--:|--:|--:|--:|--:|--:|",
+    (times($series)[]
+     | .ns as $ns
+     | [.rule, ($ns.compiled | short)]
+       + ([$ns.compiled / $ns."hand-written", $ns.library / $ns.compiled, $ns.muparser / $ns.compiled,
+           $ns.lua54 / $ns.compiled, $ns.luajit / $ns.compiled] | map(short))
+     | row);
+
+def seriesTable($length):
+    (["rule", "compiled, ns per sample", "compiled : sum", "hand-written : compiled", "LuaJIT : compiled"] | row),
+    "|---|--:|--:|--:|--:|",
+    (times($length)[]
+     | .ns as $ns
+     | [.rule, ($ns.library | decimals(2)), ($ns.library / $ns.sum | short)]
+       + ([$ns."hand-written", $ns.luajit] | map(if . == null then "" else . / $ns.library | short end))
+     | row);
+
 def parsingTable:
     (["rule", "library, ns", "muparser : library", "Lua 5.4 : library", "LuaJIT : library"] | row),
     "|---|--:|--:|--:|--:|",
@@ -79,7 +99,12 @@ def startUpTable:
 if $part == "rules" then
     "", "### Evaluation, samples whose verdict changes", "", evaluationTable("changing"),
     "", "### Evaluation, samples whose verdict stays", "", evaluationTable("steady"),
+    "", "### Compiled, samples whose verdict changes", "", compiledTable("changing"),
+    "", "### Compiled, samples whose verdict stays", "", compiledTable("steady"),
     "", "### Parsing", "", parsingTable
+elif $part == "series" then
+    "", "### 4,096 samples", "", seriesTable("4096 samples"),
+    "", "### 16,777,216 samples", "", seriesTable("16777216 samples")
 elif $part == "codec" then
     "", "### Encoding", "", codecTable("encode"; times("copy")),
     "", "### Decoding", "", codecTable("decode"; times("copy")),

@@ -12,6 +12,7 @@
 namespace vemorRules {
 
 // Weak, so that the address sanitizer accepts a program with both libraries that have the rules; the first one counts.
+// The attribute cannot be at the definition of a constant. NOLINTNEXTLINE(readability-redundant-declaration)
 extern const char* const expressionTypeNames[5] __attribute__((weak));
 const char* const expressionTypeNames[5] = {
     "NO_EXPRESSION", "SIMPLE_EXPRESSION_VALUE", "SIMPLE_EXPRESSION_DELTA", "SINGLE_HYSTERESIS", "DOUBLE_HYSTERESIS",
