@@ -73,7 +73,7 @@ std::vector<sql::ColumnValues> selectionsOf(const EventTable& list, const ListFi
     std::vector<sql::ColumnValues> selections;
     for (const Place& place : filter.places) {
         selections.push_back(ofObject);
-        selections.back().push_back({list.placeColumnName(), std::int64_t{place.number}});
+        selections.back().push_back({list.placeColumnName(), place.number});
     }
     return selections;
 }

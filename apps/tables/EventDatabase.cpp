@@ -100,7 +100,7 @@ void ChangeRecord::write(EventDatabase& database) const
                              "and restart the monitors");
     }
     for (const auto& [tableName, number, letsThrough] : m_changes) {
-        changes.insert({++rowIndex, number, tableName, std::int64_t{letsThrough}});
+        changes.insert({++rowIndex, number, tableName, letsThrough});
     }
 }
 
@@ -125,7 +125,7 @@ ChangeResult setConfiguration(EventDatabase& database, const EventTable& eventTa
 // Selects the rows of a place, the entries of an object there, or the entry with the rule.
 ColumnValues whereOf(const EventTable& eventTable, const Place& place)
 {
-    return {{eventTable.placeColumnName(), std::int64_t{place.number}}};
+    return {{eventTable.placeColumnName(), place.number}};
 }
 
 ColumnValues whereOf(const EventTable& list, const ListEntry& entry)
@@ -153,7 +153,7 @@ ChangeResult enableComponent(EventDatabase& database, std::uint32_t component, b
     sql::Transaction transaction(database.database());
     const EventTable& eventTable = tableFor(EventTableKind::CONFIGURATION, Place::Kind::COMPONENT);
     const std::vector<Row> found = database.table(eventTable).select(whereOf(eventTable, componentPlace(component)));
-    const Row row{std::int64_t{component}, std::int64_t{isEnabled}};
+    const Row row{component, isEnabled};
     const ChangeResult result = setConfiguration(database, eventTable, found, row);
     transaction.commit();
     return result;
@@ -168,8 +168,8 @@ CardChange enableCard(EventDatabase& database, std::uint32_t slot, std::optional
     if (found.empty() && !cardType) {
         return {ChangeResult::NOT_FOUND, std::nullopt};
     }
-    const sql::Value type = cardType ? sql::Value(std::int64_t{*cardType}) : found.front()[1];
-    const Row row{std::int64_t{slot}, type, std::int64_t{isEnabled}};
+    const sql::Value type = cardType ? sql::Value(*cardType) : found.front()[1];
+    const Row row{slot, type, isEnabled};
     CardChange change{setConfiguration(database, eventTable, found, row), std::nullopt};
     change.isSwitched = found.empty() || (found.front().back() != row.back());
     if (!found.empty() && (found.front()[1] != type)) {
@@ -197,7 +197,7 @@ std::vector<ChangeResult> addToList(EventDatabase& database, EventTableKind list
         }
         const EventTable& eventTable = tableFor(list, entry.place.kind);
         sql::Table table = database.table(eventTable);
-        Row row{RowNumbers(eventTable, table).next(), std::int64_t{entry.place.number}, std::to_string(entry.oid)};
+        Row row{RowNumbers(eventTable, table).next(), entry.place.number, std::to_string(entry.oid)};
         if (entry.rule) {
             row.emplace_back(*entry.rule);
         }

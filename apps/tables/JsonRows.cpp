@@ -189,13 +189,13 @@ public:
     bool boolean(bool value) override
     {
         const bool fits = isInRow() && (column().type() == sql::field_type::BOOLEAN);
-        return take(fits ? sql::Value(std::int64_t{value}) : sql::Value(), value ? "true" : "false");
+        return take(fits ? sql::Value(value) : sql::Value(), value ? "true" : "false");
     }
 
     bool number_integer(number_integer_t value) override
     {
         const bool fits = isInRow() && (column().type() == sql::field_type::INTEGER);
-        return take(fits ? sql::Value(std::int64_t{value}) : sql::Value(), std::to_string(value));
+        return take(fits ? sql::Value(value) : sql::Value(), std::to_string(value));
     }
 
     bool number_unsigned(number_unsigned_t value) override
@@ -337,7 +337,8 @@ private:
     {
         m_level = Level::VALUES;
         const std::size_t nColumns = m_pTable->columns().size();
-        m_row = SourceRow{m_pTable, sql::Row(nColumns), m_bytes.valueLocation(), {}};
+        m_row = SourceRow{m_pTable, {}, m_bytes.valueLocation(), {}};
+        m_row.row.resize(nColumns);
         m_isSet.assign(nColumns, false);
     }
 

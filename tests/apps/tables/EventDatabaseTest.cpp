@@ -13,8 +13,8 @@ protected:
         Rows news;
         const Rows rows = rowsOf("NrOfRowsChangedTable");
         for (std::size_t i = lastRow; i < rows.size(); ++i) {
-            EXPECT_EQ(rows[i].front(), sql::Value(static_cast<std::int64_t>(i) + 1));
-            news.emplace_back(rows[i].begin() + 1, rows[i].end());
+            EXPECT_EQ(rows[i].front(), sql::Value(i + 1));
+            news.push_back({rows[i][1], rows[i][2], rows[i][3]});
         }
         return news;
     }

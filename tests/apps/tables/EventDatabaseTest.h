@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include "support/SqlValues.h"
 #include "support/TemporaryDirectory.h"
 #include "tables/EventDatabase.h"
 

@@ -4,14 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace sql {
-
-static void PrintTo(const OtherValue& value, std::ostream* pStream)
-{
-    *pStream << value.text;
-}
-
-}  // namespace sql
+#include "support/SqlValues.h"
 
 namespace brantel {
 namespace {

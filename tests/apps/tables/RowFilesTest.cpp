@@ -8,6 +8,7 @@
 
 #include "common/CommandLine.h"
 #include "common/LineReader.h"
+#include "support/SqlValues.h"
 #include "support/TemporaryDirectory.h"
 #include "tables/RowFiles.h"
 

@@ -61,6 +61,7 @@ static_assert(!CanBeWritten<buffer_t, Unscoped>::value, "an enumeration's width 
 static_assert(!CanBeWritten<buffer_t, Scoped>::value, "an enumeration's width has to be said");
 static_assert(!CanBeWritten<buffer_t, double>::value, "there is no format for a floating-point number");
 static_assert(!CanBeWritten<buffer_t, void*>::value, "a pointer is not a truth value");
+static_assert(!CanBeWritten<buffer_t, std::nullptr_t>::value, "nor is it a text");
 static_assert(sizeof(buffer_t) <= buffer_t::CAPACITY + 2 * sizeof(std::size_t), "the bytes are inline");
 
 TEST(Buffer, WritesEveryIntegerMostSignificantByteFirstInItsOwnWidth)

@@ -16,6 +16,7 @@
 #include <sqlite3.h>
 
 #include "FullDisk.h"
+#include "support/SqlValues.h"
 #include "support/TemporaryDirectory.h"
 
 namespace sql {

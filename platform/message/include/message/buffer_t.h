@@ -95,6 +95,8 @@ public:
         return *this;
     }
 
+    buffer_t& operator<<(std::nullptr_t) = delete;
+
     /// Appends the length of `nested` and all of its bytes, those already read included; a buffer may be nested in
     /// itself. Throws std::length_error if they do not fit.
     buffer_t& operator<<(const buffer_t& nested)

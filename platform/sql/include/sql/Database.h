@@ -19,12 +19,18 @@
 // committed last. A Database and its tables and transactions belong to one thread at a time; every thread and every
 // process may have its own.
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -86,10 +92,84 @@ inline bool operator!=(const OtherValue& one, const OtherValue& other)
 }
 
 /// Nothing (null), a number or a text; a BOOLEAN column holds the numbers 0 and 1. An OtherValue is only ever read.
-using Value = std::variant<std::monostate, std::int64_t, std::string, OtherValue>;
+/// Read it like the variant that it is: std::get_if<std::int64_t>(&value). What is none of these does not become one:
+/// a fraction, a single character, an enumerator, a pointer and nullptr do not compile.
+class Value : public std::variant<std::monostate, std::int64_t, std::string, OtherValue> {
+    template <typename T>
+    static constexpr bool IS_CHARACTER = std::is_same_v<T, char> || std::is_same_v<T, wchar_t> ||
+                                         std::is_same_v<T, char16_t> || std::is_same_v<T, char32_t>;
 
-/// Values in column order.
-using Row = std::vector<Value>;
+    template <typename T>
+    static constexpr bool IS_NUMBER = std::is_integral_v<T> && !IS_CHARACTER<T> && (sizeof(T) <= sizeof(std::int64_t));
+
+public:
+    // NOLINTBEGIN(google-explicit-constructor): rows and conditions are written as the values themselves
+
+    /// Null.
+    Value() = default;
+    Value(std::monostate) {}
+    Value(std::nullptr_t) = delete;
+
+    /// A number of any integer type; a bool is 0 or 1. Throws Error if it is larger than an std::int64_t can be.
+    template <typename Integer, std::enable_if_t<IS_NUMBER<Integer>, int> = 0>
+    Value(Integer number) : variant(requiredToFit(number))
+    {
+    }
+
+    Value(const char* text) : variant(std::string(text)) {}
+    Value(std::string_view text) : variant(std::string(text)) {}
+    Value(std::string text) : variant(std::move(text)) {}
+    Value(OtherValue value) : variant(std::move(value)) {}
+
+    // NOLINTEND(google-explicit-constructor)
+
+private:
+    template <typename Integer>
+    static std::int64_t requiredToFit(Integer number)
+    {
+        if constexpr (std::is_unsigned_v<Integer> && (sizeof(Integer) == sizeof(std::int64_t))) {
+            constexpr std::int64_t LARGEST = std::numeric_limits<std::int64_t>::max();
+            if (number > static_cast<std::uint64_t>(LARGEST)) {
+                throw Error(Problem::CONSTRAINT, "the number " + std::to_string(number) +
+                                                     " is too large for a table; the largest is " +
+                                                     std::to_string(LARGEST));
+            }
+        }
+        return static_cast<std::int64_t>(number);
+    }
+};
+
+/// Values in column order. A list in braces is always the values themselves, whatever their types: {2, true} is a row
+/// of two.
+class Row : private std::vector<Value> {
+    using Values = std::vector<Value>;
+
+public:
+    Row() = default;
+    Row(std::initializer_list<Value> values) : Values(values) {}  // NOLINT(google-explicit-constructor)
+
+    using Values::const_iterator;
+    using Values::iterator;
+    using Values::value_type;
+
+    using Values::back;
+    using Values::begin;
+    using Values::emplace_back;
+    using Values::empty;
+    using Values::end;
+    using Values::front;
+    using Values::push_back;
+    using Values::resize;
+    using Values::size;
+    using Values::operator[];
+
+    friend bool operator==(const Row& one, const Row& other)
+    {
+        return static_cast<const Values&>(one) == static_cast<const Values&>(other);
+    }
+
+    friend bool operator!=(const Row& one, const Row& other) { return !(one == other); }
+};
 
 struct ColumnValue {
     std::string column;
