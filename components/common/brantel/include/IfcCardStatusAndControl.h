@@ -66,7 +66,7 @@ enum OidValueType : std::int32_t {
     OID_TYPE_MAC_ADDRESS = 13    ///< unsigned long long; its low 48 bits as a nested buffer of 6 bytes, highest first
 };
 
-/// One value to be written; `value` holds exactly the type that `type` names.
+/// One value to be written; `value` holds exactly the type that `type` names: makeOidValue (OidValue.h) sees to it.
 struct BRANTEL_EXPORT OidTypeValue {
     std::uint32_t oid = 0;
     OidValueType type = OID_TYPE_UINT64;
