@@ -21,7 +21,8 @@ namespace brantel {
 
 class AsyncReader : public OBappsToICSC_1_0_PR {
 public:
-    /// Sends a request to read these objects through a proxy that no one else uses; false if it could not be sent.
+    /// Sends a request to read these objects to a service that nothing else in the component calls; false if it could
+    /// not be sent.
     using Send = std::function<bool(const ObjectIdContainer&)>;
 
     explicit AsyncReader(Send send);
@@ -47,7 +48,7 @@ private:
 
     const Send m_send;
     ReadPlan m_plan{0, {}};
-    std::uint64_t m_requestsMade = 0;  ///< also the sequence number of the last one: a proxy counts its calls from 1
+    std::uint64_t m_requestsMade = 0;  ///< also the sequence number of the last one
     std::chrono::nanoseconds m_decodingTime{0};
 };
 

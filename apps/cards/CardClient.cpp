@@ -1,10 +1,8 @@
 #include "cards/CardClient.h"
 
-#include <string>
-
 namespace brantel {
 
-CardClient::CardClient(std::uint32_t slot) : m_slot(slot), m_interface(icsc::Interface::SYNC)
+CardClient::CardClient(std::uint32_t slot) : m_slot(slot), m_service(icsc::serviceName(slot, icsc::Interface::SYNC))
 {
     OBcomponent::requireRoomFor(1);
     IcscClientProxy::createInstance();
@@ -12,9 +10,9 @@ CardClient::CardClient(std::uint32_t slot) : m_slot(slot), m_interface(icsc::Int
 }
 
 CardClient::CardClient(std::uint32_t slot, OBappsToICSC_1_0_PR& replies)
-    : m_slot(slot), m_interface(icsc::Interface::ASYNC)
+    : m_slot(slot), m_service(icsc::serviceName(slot, icsc::Interface::ASYNC))
 {
-    OBcomponent::requireRoomFor(2);  // with the one that a watch looks for the card with
+    OBcomponent::requireRoomFor(1);
     IcscClientProxy::createInstance();
     IcscClientProxy::getInstance().subscribeAsyncInterface(slot, m_component, replies);
 }
@@ -28,9 +26,8 @@ bool CardClient::mayBeServed(std::chrono::milliseconds patience)
 {
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::milliseconds CHECK_INTERVAL{20};
-    const std::string service = icsc::serviceName(m_slot, m_interface);
     const Clock::time_point deadline = Clock::now() + patience;
-    while (m_component.isServiceAbsent(service) && !m_component.isStopping()) {
+    while (m_component.isServiceAbsent(m_service) && !m_component.isStopping()) {
         if (Clock::now() >= deadline) {
             return false;
         }

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <string>
 
 #include "IcscClientProxy.h"
 #include "cards/ReadPlan.h"
@@ -34,6 +35,13 @@ public:
     /// False if certainly no card is serving the slot, and none starts within `patience`.
     bool mayBeServed(std::chrono::milliseconds patience);
 
+    /// Whether the slot's service is there.
+    bool isConnected() const { return m_component.isConnected(m_service); }
+
+    /// Why it is not, in words; empty if nothing is known but that no card is serving the slot. Subscribed for calls
+    /// that wait, the client knows little: printObstacleOfSlot() finds out more.
+    std::string obstacle() const { return m_component.obstacle(m_service); }
+
     /// In as many requests as it takes, each of which the card may take `timeout` seconds for; in none where
     /// certainly no card is.
     Reading read(const ObjectIdContainer& oids, std::int32_t timeout);
@@ -46,7 +54,7 @@ public:
 
 private:
     const std::uint32_t m_slot;
-    const icsc::Interface m_interface;
+    const std::string m_service;
     OBcomponent m_component{"brantel"};
 };
 

@@ -7,7 +7,7 @@
 #include "cards/CardObjects.h"
 #include "cards/OidTable.h"
 #include "cards/ResultText.h"
-#include "cards/SlotPresence.h"
+#include "cards/SlotObstacle.h"
 #include "cards/ValueText.h"
 #include "commands/CardJson.h"
 #include "common/JsonLine.h"

@@ -3,7 +3,7 @@
 #include "cards/CardClient.h"
 #include "cards/OidTable.h"
 #include "cards/ResultText.h"
-#include "cards/SlotPresence.h"
+#include "cards/SlotObstacle.h"
 #include "cards/ValueText.h"
 #include "cards/WritePlan.h"
 #include "commands/CardJson.h"

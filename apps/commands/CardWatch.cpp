@@ -9,7 +9,6 @@
 #include "cards/CardClient.h"
 #include "cards/OidTable.h"
 #include "cards/ResultText.h"
-#include "cards/SlotPresence.h"
 #include "cards/ValueText.h"
 #include "commands/CardJson.h"
 #include "common/JsonLine.h"
@@ -41,7 +40,7 @@ void dispatchUntil(OBcomponent& component, Clock::time_point deadline, Condition
 class WatchedSlot {
 public:
     WatchedSlot(std::uint32_t slot, const ObjectIdContainer& oids)
-        : m_slot(slot), m_oids(oids), m_client(slot, m_reader), m_presence(slot, icsc::Interface::ASYNC, component())
+        : m_slot(slot), m_oids(oids), m_client(slot, m_reader)
     {
     }
 
@@ -52,7 +51,7 @@ public:
     {
         constexpr std::chrono::hours LONG_ENOUGH{1};  // every request is answered or given up much earlier
         ReadPlan plan(m_slot, m_oids);
-        if (!m_presence.isConnected() && !m_client.mayBeServed(std::exchange(m_patience, {}))) {
+        if (!m_client.isConnected() && !m_client.mayBeServed(std::exchange(m_patience, {}))) {
             plan.takeNoAnswer(NOT_SERVED);
             return plan.reading();
         }
@@ -62,7 +61,7 @@ public:
     }
 
     /// Why the card is not there, as far as that is known.
-    std::string obstacle() const { return m_presence.obstacle(); }
+    std::string obstacle() const { return m_client.obstacle(); }
 
 private:
     // Without a connection the timeout is not the card's.
@@ -70,7 +69,7 @@ private:
     {
         Reading reading = m_reader.reading();
         for (auto& [oid, outcome] : reading.failures) {
-            if ((outcome == obResult::TIMEOUT) && !m_presence.isConnected()) {
+            if ((outcome == obResult::TIMEOUT) && !m_client.isConnected()) {
                 outcome = NO_ANSWER;
             }
         }
@@ -81,7 +80,6 @@ private:
     const ObjectIdContainer& m_oids;
     AsyncReader m_reader{[this](const ObjectIdContainer& request) { return m_client.startReading(request); }};
     CardClient m_client;
-    SlotPresence m_presence;
     std::chrono::milliseconds m_patience = CardClient::STARTING_TIME;  ///< with the first reading only
 };
 

@@ -10,15 +10,15 @@ constexpr std::size_t MAX_RETRIES = 16;
 }  // namespace
 
 PolledSlot::PolledSlot(std::uint32_t slot, OBcomponent& component)
-    : m_slot(slot), m_presence(slot, icsc::Interface::ASYNC, component)
+    : m_slot(slot), m_component(component), m_service(icsc::serviceName(slot, icsc::Interface::ASYNC))
 {
-    OBcomponent::requireRoomFor(1);  // the client's
+    OBcomponent::requireRoomFor(1);
     IcscClientProxy::getInstance().subscribeAsyncInterface(slot, component, m_reader);
 }
 
 std::string PolledSlot::reasonOfAbsence() const
 {
-    const std::string obstacle = m_presence.obstacle();
+    const std::string obstacle = m_component.obstacle(m_service);
     return obstacle.empty() ? "no card is serving the slot" : obstacle;
 }
 

@@ -12,7 +12,6 @@
 
 #include "IcscClientProxy.h"
 #include "cards/AsyncReader.h"
-#include "cards/SlotPresence.h"
 #include "message/OBcomponent.h"
 
 namespace brantel {
@@ -21,11 +20,11 @@ class PolledSlot {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Subscribes the slot. Throws std::runtime_error if the process may not open enough files.
+    /// Subscribes the slot for `component`. Throws std::runtime_error if the process may not open enough files.
     PolledSlot(std::uint32_t slot, OBcomponent& component);
 
     /// Whether the card's service is there.
-    bool isConnected() const { return m_presence.isConnected(); }
+    bool isConnected() const { return m_component.isConnected(m_service); }
 
     /// Why it is not, in words.
     std::string reasonOfAbsence() const;
@@ -60,7 +59,8 @@ private:
     ReadPlan nextPlan();
 
     const std::uint32_t m_slot;
-    SlotPresence m_presence;
+    const OBcomponent& m_component;
+    const std::string m_service;
 
     ObjectIdContainer m_oids;
     std::set<std::uint32_t> m_refused;  ///< those that the card refused when it was asked for them last

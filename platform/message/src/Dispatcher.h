@@ -1,9 +1,9 @@
 #ifndef MESSAGE_DISPATCHER_H
 #define MESSAGE_DISPATCHER_H
 
-// The dispatch loop of one component, and what its proxies and connections share: the component's name and the
-// directory. It waits on one epoll set: the sources' descriptors, a timer for the earliest deadline, and an event that
-// wakes it for what no descriptor announces.
+// The dispatch loop of one component, and what its proxies and connections share: the component's name, the directory
+// and the services that are called. It waits on one epoll set: the sources' descriptors, a timer for the earliest
+// deadline, and an event that wakes it for what no descriptor announces.
 //
 // A ZeroMQ descriptor reports changes only, and any use of the socket may swallow one: a source that became readable
 // counts as ready until it was found empty, and one that is used outside its own handling must be looked at again
@@ -16,6 +16,7 @@
 #include <optional>
 #include <string>
 
+#include "CalledServices.h"
 #include "Directory.h"
 #include "FileDescriptor.h"
 #include "Sockets.h"
@@ -49,6 +50,7 @@ public:
 
     const std::string& componentName() const { return m_componentName; }
     const Directory& directory() const { return m_directory; }
+    CalledServices& calledServices() { return m_calledServices; }
 
     void add(DispatchSource& source);
     void remove(DispatchSource& source);
@@ -85,6 +87,7 @@ private:
 
     std::string m_componentName;
     Directory m_directory;
+    CalledServices m_calledServices;
     FileDescriptor m_epoll;
     FileDescriptor m_wakeEvent;
     FileDescriptor m_timer;

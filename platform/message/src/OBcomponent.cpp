@@ -1,5 +1,6 @@
 #include "message/OBcomponent.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <string_view>
@@ -51,6 +52,33 @@ bool OBcomponent::isServiceAbsent(const std::string& serviceName) const
     } catch (const std::exception&) {
         return false;
     }
+}
+
+bool OBcomponent::isConnected(const std::string& serviceName) const
+{
+    const auto& proxies = m_pDispatcher->calledServices().find(serviceName).proxies;
+    return std::any_of(proxies.begin(), proxies.end(), [](const OBproxy* pProxy) { return pProxy->isConnected(); });
+}
+
+std::string OBcomponent::obstacle(const std::string& serviceName) const
+{
+    const auto& proxies = m_pDispatcher->calledServices().find(serviceName).proxies;
+    if (proxies.empty()) {
+        return "the component has no proxy to the service";
+    }
+    std::string reason;
+    for (const OBproxy* const pProxy : proxies) {
+        if (pProxy->isConnected()) {
+            return "";
+        }
+        reason = reason.empty() ? pProxy->obstacle() : reason;
+    }
+    return reason;
+}
+
+std::uint64_t OBcomponent::lastSequenceNumber(const std::string& serviceName) const
+{
+    return m_pDispatcher->calledServices().find(serviceName).lastSequenceNumber;
 }
 
 std::size_t OBcomponent::dispatch(std::chrono::milliseconds timeout)

@@ -74,8 +74,9 @@ void OBproxyReplyInterface::replyReceived(const OBmessage&, const buffer_t&, int
 
 class OBproxy::Subscription {
 public:
-    Subscription(const std::string& serviceName, const obmessage::Route& route, ConnectionWatch::Events events)
-        : m_pServiceName(std::make_shared<const std::string>(serviceName)), m_socket(route, events)
+    Subscription(const std::string& serviceName, obmessage::CalledService& service, const obmessage::Route& route,
+                 ConnectionWatch::Events events)
+        : m_pServiceName(std::make_shared<const std::string>(serviceName)), m_socket(route, events), m_service(service)
     {
     }
     virtual ~Subscription() = default;
@@ -92,7 +93,7 @@ public:
     std::uint64_t droppedAnswers() const { return m_droppedAnswers; }
 
 protected:
-    std::uint64_t nextSequenceNumber() { return ++m_lastSequenceNumber; }
+    std::uint64_t nextSequenceNumber() { return ++m_service.lastSequenceNumber; }
 
     void dropAnswer(const obmessage::DecodedFrame& frame)
     {
@@ -109,14 +110,15 @@ protected:
     obmessage::CallerSocket m_socket;
 
 private:
-    std::uint64_t m_lastSequenceNumber = 0;
+    obmessage::CalledService& m_service;
     std::uint64_t m_droppedAnswers = 0;
 };
 
 class OBproxy::SynchronousSubscription : public Subscription {
 public:
-    SynchronousSubscription(const std::string& serviceName, const obmessage::Route& route)
-        : Subscription(serviceName, route, ConnectionWatch::Events::REFUSALS)
+    SynchronousSubscription(const std::string& serviceName, obmessage::CalledService& service,
+                            const obmessage::Route& route)
+        : Subscription(serviceName, service, route, ConnectionWatch::Events::REFUSALS)
     {
     }
 
@@ -164,8 +166,9 @@ private:
 class OBproxy::AsynchronousSubscription : public Subscription, private obmessage::DispatchSource {
 public:
     AsynchronousSubscription(std::shared_ptr<obmessage::Dispatcher> pDispatcher, const std::string& serviceName,
-                             const obmessage::Route& route, OBproxyReplyInterface& reply)
-        : Subscription(serviceName, route, ConnectionWatch::Events::ALL),
+                             obmessage::CalledService& service, const obmessage::Route& route,
+                             OBproxyReplyInterface& reply)
+        : Subscription(serviceName, service, route, ConnectionWatch::Events::ALL),
           m_pDispatcher(std::move(pDispatcher)),
           m_reply(reply),
           m_connecting(*m_pDispatcher, m_socket.watch())
@@ -266,7 +269,11 @@ private:
 
 OBproxy::OBproxy(OBcomponent& component) : m_pDispatcher(component.m_pDispatcher) {}
 
-OBproxy::~OBproxy() = default;
+OBproxy::~OBproxy()
+{
+    m_pSubscription.reset();  // it counts its calls among those to the service
+    m_pDispatcher->calledServices().remove(*this);
+}
 
 int OBproxy::subscribe_synchronous(const char* name)
 {
@@ -289,11 +296,12 @@ int OBproxy::subscribe(const char* name, OBproxyReplyInterface* pReply)
         if (m_pSubscription != nullptr) {
             throw std::runtime_error("the proxy is already subscribed");
         }
+        obmessage::CalledService& service = m_pDispatcher->calledServices().add(name, *this);
         const obmessage::Route route = m_pDispatcher->directory().routeTo(name);
         if (pReply == nullptr) {
-            m_pSubscription = std::make_unique<SynchronousSubscription>(name, route);
+            m_pSubscription = std::make_unique<SynchronousSubscription>(name, service, route);
         } else {
-            m_pSubscription = std::make_unique<AsynchronousSubscription>(m_pDispatcher, name, route, *pReply);
+            m_pSubscription = std::make_unique<AsynchronousSubscription>(m_pDispatcher, name, service, route, *pReply);
         }
         return 0;
     } catch (const std::exception& error) {

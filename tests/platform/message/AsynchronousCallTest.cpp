@@ -142,6 +142,39 @@ TEST_F(AsynchronousCall, IsNotCarriedOutByAServiceThatComesAfterItsTime)
               (Texts{ASYNC_SERVICE + " read 1: result 33554432, ''", ASYNC_SERVICE + " read 2: result 0, 'in time'"}));
 }
 
+TEST_F(AsynchronousCall, IsAnsweredTimeoutAfterItsWaitTimeWithoutAService)
+{
+    m_pProxy->setReplyWaitTime(1);
+    const Stopwatch watch;
+    read(*m_pProxy, "request");
+    EXPECT_LT(watch.seconds(), 1.0);
+    EXPECT_EQ(dispatchUntilAnswers(1), 1U);
+    EXPECT_GE(watch.seconds(), 1.0);
+    EXPECT_EQ(m_answers.take(), Texts{ASYNC_SERVICE + " read 1: result 33554432, ''"});
+}
+
+TEST_F(AsynchronousCall, IsNotSentAgainToAServiceThatGoesAndComesBack)
+{
+    Texts seen;
+    m_pProxy->setReplyWaitTime(2);
+    {
+        const TestCard silent(
+            m_component, ASYNC_SERVICE.c_str(),
+            [&seen](TestCard&, const OBmessage&, const buffer_t& tlvs) { seen.push_back(textOf(tlvs)); });
+        ASSERT_TRUE(dispatchUntil(m_component, [&] { return m_pProxy->isConnected(); }));
+        read(*m_pProxy, "lost");
+        ASSERT_TRUE(dispatchUntil(m_component, [&] { return seen.size() == 1; }));
+    }
+    ASSERT_TRUE(dispatchUntil(m_component, [&] { return !m_pProxy->isConnected(); }));
+    read(*m_pProxy, "held");
+    const NotingCard card(m_component, seen);
+    EXPECT_EQ(dispatchUntilAnswers(2), 2U);
+    EXPECT_EQ(seen, (Texts{"lost", "held"}));
+    EXPECT_EQ(m_answers.take(),
+              (Texts{ASYNC_SERVICE + " read 2: result 0, 'held'", ASYNC_SERVICE + " read 1: result 33554432, ''"}));
+    EXPECT_EQ(m_pProxy->droppedAnswers(), 0U);
+}
+
 TEST_F(AsynchronousCall, MakesTheFileDescriptorReadableWhenWhatIsHeldCanLeave)
 {
     read(*m_pProxy, "held");
@@ -160,6 +193,7 @@ TEST_F(AsynchronousCall, FailsBeyondAThousandHeldRequests)
         ASSERT_EQ(read(*m_pProxy, "r"), "returned 0, result 99, 'r'") << i;
     }
     EXPECT_EQ(read(*m_pProxy, "r"), "returned -1, result 99, 'r'");
+    EXPECT_EQ(m_component.lastSequenceNumber(ASYNC_SERVICE), 1000U);
 }
 
 TEST_F(AsynchronousCall, FailsBeyondAThousandUnansweredRequests)

@@ -1,9 +1,11 @@
 // The dispatch loop of a component, and what it costs the process.
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -44,6 +46,91 @@ TEST_F(Component, DoesNotKnowWhetherAnyOtherServiceIsAbsent)
     EXPECT_FALSE(other.isServiceAbsent(SERVICE));
     EXPECT_FALSE(other.isServiceAbsent("Near"));
     EXPECT_FALSE(other.isServiceAbsent("not a name"));
+}
+
+TEST_F(Component, KnowsWhetherItIsConnectedToAService)
+{
+    Answers answers;
+    OBappsToICSC_1_0_P proxy(m_component);
+    proxy.subscribe_asynchronous(SERVICE, &answers);
+    EXPECT_FALSE(m_component.isConnected(SERVICE));
+    EXPECT_EQ(m_component.obstacle(SERVICE), "") << "it is not served";
+    {
+        const ServedCard card(SERVICE);
+        EXPECT_TRUE(dispatchUntil(m_component, [&] { return m_component.isConnected(SERVICE); }));
+        EXPECT_EQ(m_component.obstacle(SERVICE), "");
+        EXPECT_FALSE(m_component.isConnected("another"));
+    }
+    EXPECT_TRUE(dispatchUntil(m_component, [&] { return !m_component.isConnected(SERVICE); }));
+}
+
+TEST_F(Component, KnowsWhyItCouldNotSubscribe)
+{
+    OBappsToICSC_1_0_P proxy(m_component);
+    proxy.subscribe_synchronous("not a name");
+    EXPECT_FALSE(m_component.isConnected("not a name"));
+    EXPECT_EQ(m_component.obstacle("not a name"), proxy.obstacle());
+    EXPECT_NE(proxy.obstacle(), "");
+
+    proxy.subscribe_synchronous(SERVICE);
+    EXPECT_EQ(m_component.obstacle(SERVICE), "");
+    EXPECT_EQ(m_component.obstacle("not a name"), "the component has no proxy to the service");
+}
+
+TEST_F(Component, IsNotConnectedWithoutAProxy)
+{
+    const ServedCard card(SERVICE);
+    {
+        OBappsToICSC_1_0_P proxy(m_component);
+        proxy.subscribe_synchronous(SERVICE);
+        ASSERT_TRUE(dispatchUntil(m_component, [&] { return m_component.isConnected(SERVICE); }));
+    }
+    EXPECT_FALSE(m_component.isConnected(SERVICE));
+    EXPECT_EQ(m_component.obstacle(SERVICE), "the component has no proxy to the service");
+}
+
+TEST_F(Component, NumbersItsRequestsToAServiceThroughAllOfItsProxies)
+{
+    const TestCard card(m_component, SERVICE);
+    const TestCard other(m_component, "other");
+    Answers answers;
+    OBappsToICSC_1_0_P toOther(m_component);
+    toOther.subscribe_asynchronous("other", &answers);
+    EXPECT_EQ(m_component.lastSequenceNumber(SERVICE), 0U);
+    {
+        OBappsToICSC_1_0_P first(m_component);
+        OBappsToICSC_1_0_P second(m_component);
+        first.subscribe_asynchronous(SERVICE, &answers);
+        second.subscribe_asynchronous(SERVICE, &answers);
+        EXPECT_EQ(m_component.lastSequenceNumber(SERVICE), 0U);
+        read(first, "a");
+        EXPECT_EQ(m_component.lastSequenceNumber(SERVICE), 1U);
+        read(second, "b");
+        EXPECT_EQ(m_component.lastSequenceNumber(SERVICE), 2U);
+        write(first, "c");
+        EXPECT_EQ(m_component.lastSequenceNumber(SERVICE), 3U);
+        read(toOther, "d");
+        EXPECT_EQ(m_component.lastSequenceNumber(SERVICE), 3U);
+        EXPECT_EQ(m_component.lastSequenceNumber("other"), 1U);
+        ASSERT_TRUE(dispatchUntil(m_component, [&] { return answers.count() == 4; }));
+    }
+    std::vector<std::string> texts = answers.take();
+    std::sort(texts.begin(), texts.end());
+    const std::string service = SERVICE;
+    EXPECT_EQ(texts, (std::vector<std::string>{service + " read 1: result 0, 'read a 5'",
+                                               service + " read 2: result 0, 'read b 5'",
+                                               service + " write 3: result 42", "other read 1: result 0, 'read d 5'"}));
+    EXPECT_EQ(m_component.lastSequenceNumber(SERVICE), 0U) << "without a proxy the count starts again";
+}
+
+TEST_F(Component, NumbersSynchronousRequestsToo)
+{
+    const ServedCard card(SERVICE);
+    OBappsToICSC_1_0_P proxy(m_component);
+    proxy.subscribe_synchronous(SERVICE);
+    read(proxy, "a");
+    read(proxy, "b");
+    EXPECT_EQ(m_component.lastSequenceNumber(SERVICE), 2U);
 }
 
 TEST_F(Component, DispatchesForTheTimeGiven)

@@ -74,8 +74,37 @@ TEST_F(HostileService, ThatServesTheSecondConnectionOnlyIsSentEachRequestOnce)
 
     read(m_proxy, "starved");
     read(second, "served");
-    EXPECT_EQ(answers(2), (Texts{"Hostile read 1: result 0, 'served'", "Hostile read 1: result 33554432, ''"}));
+    EXPECT_EQ(answers(2), (Texts{"Hostile read 2: result 0, 'served'", "Hostile read 1: result 33554432, ''"}));
     EXPECT_EQ(hostile.requests(), 1U);
+}
+
+TEST_F(HostileService, ThatServesOneOfTwoProxiesIsThereForTheComponent)
+{
+    const FakeService hostile(path(HOSTILE), echo, [](unsigned number) { return number == 2; });
+    ASSERT_TRUE(dispatchUntil(m_component, [&] { return !m_proxy.obstacle().empty(); }));
+    EXPECT_FALSE(m_component.isConnected(HOSTILE));
+    EXPECT_EQ(m_component.obstacle(HOSTILE), m_proxy.obstacle());
+
+    OBappsToICSC_1_0_P second(m_component);
+    second.subscribe_asynchronous(HOSTILE, &m_answers);
+    EXPECT_TRUE(dispatchUntil(m_component, [&] { return m_component.isConnected(HOSTILE); }));
+    EXPECT_EQ(m_component.obstacle(HOSTILE), "");
+    EXPECT_FALSE(m_proxy.isConnected());
+    EXPECT_NE(m_proxy.obstacle(), "");
+}
+
+TEST_F(HostileService, IsTheObstacleThatTheOldestProxyKnows)
+{
+    OBappsToICSC_1_0_P oldest(m_component);
+    OBappsToICSC_1_0_P asynchronous(m_component);
+    OBappsToICSC_1_0_P youngest(m_component);
+    oldest.subscribe_synchronous(SOUND);
+    asynchronous.subscribe_asynchronous(SOUND, &m_answers);
+    youngest.subscribe_synchronous(SOUND);
+    const FakeService hostile(path(SOUND), echo, [](unsigned) { return false; });
+    const std::string obstacle = "'ipc://" + path(SOUND) + "' takes the connection but does not answer";
+    EXPECT_TRUE(dispatchUntil(m_component, [&] { return m_component.obstacle(SOUND) == obstacle; }));
+    EXPECT_EQ(oldest.obstacle() + youngest.obstacle(), "");
 }
 
 TEST_F(HostileService, CausesNoMoreThanOneAnswerACall)
@@ -123,7 +152,8 @@ TEST_F(HostileService, CausesNoMoreThanOneAnswerACall)
         proxy.subscribe_asynchronous(HOSTILE, &m_answers);
         proxy.setReplyWaitTime((c.answer == "result 33554432, ''") ? 1 : 7);
         read(proxy, "request");
-        EXPECT_EQ(answers(1), Texts{"Hostile read 1: " + c.answer});
+        EXPECT_EQ(answers(1),
+                  Texts{"Hostile read " + std::to_string(m_component.lastSequenceNumber(HOSTILE)) + ": " + c.answer});
         EXPECT_TRUE(dispatchUntil(m_component, [&] { return proxy.droppedAnswers() == c.dropped; }));
         EXPECT_EQ(answers(0), Texts());
         EXPECT_EQ(hostile.requests(), 1U);

@@ -17,6 +17,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -50,6 +51,20 @@ public:
     /// Whether it is certain that no one serves the service now: its endpoint is a socket of this host that no process
     /// listens on.
     bool isServiceAbsent(const std::string& serviceName) const;
+
+    /// Whether a proxy of this component is connected to the service: what that proxy sends now leaves at once. True
+    /// if one of several is. An asynchronous proxy connects while the component dispatches. False for a service that
+    /// this component has no proxy to.
+    bool isConnected(const std::string& serviceName) const;
+
+    /// Why no proxy of this component is connected to the service, in words (OBproxy::obstacle): of several, what the
+    /// oldest one that knows a reason says. Empty if one is connected, or if the service is simply not served.
+    std::string obstacle(const std::string& serviceName) const;
+
+    /// The number of the last request that this component made to the service, through whichever of its proxies; the
+    /// answer brings it back as OBmessage::sequenceNumber(). Right after a call that succeeded it is the number of that
+    /// call. The count starts at 1, and again once all proxies to the service are gone; 0 before the first request.
+    std::uint64_t lastSequenceNumber(const std::string& serviceName) const;
 
     /// Waits up to `timeout` for something to do, handles everything due, and returns how many messages and expired
     /// waits it handled: 0 after a timeout, or at once when the component is stopping. Must not be called from a

@@ -35,7 +35,7 @@ public:
     /// Which of the interface's operations is called or answered.
     std::uint8_t operation() const { return m_operation; }
 
-    /// Counts the calls of one proxy, from 1.
+    /// Counts the calls of one component to one service, from 1 (OBcomponent::lastSequenceNumber).
     std::uint64_t sequenceNumber() const { return m_sequenceNumber; }
 
     /// How long the service may take to answer, in seconds, as the caller gave it: it may be zero or negative.
