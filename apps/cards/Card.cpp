@@ -8,6 +8,7 @@
 
 #include <arpa/inet.h>
 
+#include "OidValue.h"
 #include "cards/OidTable.h"
 #include "cards/Tlv.h"
 #include "common/PrintableText.h"
@@ -78,25 +79,25 @@ void Card::addOwnObjects(std::uint32_t slot, const std::string& source)
 {
     using namespace oids;
     constexpr unsigned long long LOCALLY_ADMINISTERED = 0x020000000000;
-    m_objects[CARD_SLOT] = constant(OID_TYPE_UINT8, static_cast<unsigned char>(slot));
-    m_objects[CARD_SOURCE] = constant(OID_TYPE_STRING, source.substr(0, MAX_TEXT_LENGTH));
-    m_objects[CARD_MAC] = constant(OID_TYPE_MAC_ADDRESS, LOCALLY_ADMINISTERED + slot);
+    addConstant(m_objects, makeOidValue(CARD_SLOT, static_cast<std::uint8_t>(slot)));
+    addConstant(m_objects, makeOidValue(CARD_SOURCE, source.substr(0, MAX_TEXT_LENGTH)));
+    addConstant(m_objects, makeOidMacAddress(CARD_MAC, LOCALLY_ADMINISTERED + slot));
     m_objects[CARD_UPTIME] =
         readOnly(OID_TYPE_UINT32, [this] { return static_cast<unsigned int>(steadySeconds() - m_start); });
     m_objects[CARD_READS] = readOnly(OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_reads); });
     m_objects[CARD_WRITES] = readOnly(OID_TYPE_UINT64, [this] { return static_cast<unsigned long long>(m_writes); });
 
-    addWritable(CARD_NAME, OID_TYPE_STRING, "card " + std::to_string(slot), checkName);
-    addWritable(CARD_ADDRESS, OID_TYPE_IPV4_ADDRESS, addressOfSlot(slot), acceptAny);
-    addWritable(CARD_LOCATION, OID_TYPE_BUFFER, buffer_t(), checkLocation);
-    addWritable(CARD_ENABLED, OID_TYPE_BOOL, true, acceptAny);
-    addWritable(CARD_LED, OID_TYPE_UINT8, static_cast<unsigned char>(1), within<unsigned char>(0, 3));
-    addWritable(CARD_VLAN, OID_TYPE_UINT16, static_cast<unsigned short>(1), within<unsigned short>(1, 4094));
-    addWritable(CARD_ALTITUDE, OID_TYPE_INT16, static_cast<short>(0), within<short>(-500, 9000));
-    addWritable(CARD_TEMPERATURE_OFFSET, OID_TYPE_INT8, static_cast<signed char>(0), within<signed char>(-20, 20));
-    addWritable(CARD_ALARM_THRESHOLD, OID_TYPE_INT32, 0, acceptAny);
-    addWritable(CARD_CLOCK_OFFSET, OID_TYPE_INT64, 0LL, acceptAny);
-    addWritable(CARD_SELF_TEST, OID_TYPE_BOOL, false, [this](const boost::any&) {
+    addWritable(makeOidValue(CARD_NAME, "card " + std::to_string(slot)), checkName);
+    addWritable(makeOidValue(CARD_ADDRESS, addressOfSlot(slot)), acceptAny);
+    addWritable(makeOidValue(CARD_LOCATION, buffer_t()), checkLocation);
+    addWritable(makeOidValue(CARD_ENABLED, true), acceptAny);
+    addWritable(makeOidValue(CARD_LED, std::uint8_t{1}), within<std::uint8_t>(0, 3));
+    addWritable(makeOidValue(CARD_VLAN, std::uint16_t{1}), within<std::uint16_t>(1, 4094));
+    addWritable(makeOidValue(CARD_ALTITUDE, std::int16_t{0}), within<std::int16_t>(-500, 9000));
+    addWritable(makeOidValue(CARD_TEMPERATURE_OFFSET, std::int8_t{0}), within<std::int8_t>(-20, 20));
+    addWritable(makeOidValue(CARD_ALARM_THRESHOLD, std::int32_t{0}), acceptAny);
+    addWritable(makeOidValue(CARD_CLOCK_OFFSET, std::int64_t{0}), acceptAny);
+    addWritable(makeOidValue(CARD_SELF_TEST, false), [this](const boost::any&) {
         return boost::any_cast<bool>(m_objects.at(CARD_ENABLED).read()) ? icsc::RESULT_OK : icsc::RESULT_CANNOT_EXEC;
     });
     m_objects[CARD_FAULT] = {
@@ -104,12 +105,11 @@ void Card::addOwnObjects(std::uint32_t slot, const std::string& source)
         [this](const boost::any& value) { m_faults = *parseFaults(boost::any_cast<std::string>(value)); }};
 }
 
-void Card::addWritable(std::uint32_t oid, OidValueType type, const boost::any& initial,
-                       const std::function<int(const boost::any&)>& check)
+void Card::addWritable(const OidTypeValue& initial, const std::function<int(const boost::any&)>& check)
 {
-    const auto pValue = std::make_shared<boost::any>(initial);
-    m_objects[oid] = {type, [pValue] { return *pValue; }, check,
-                      [pValue](const boost::any& value) { *pValue = value; }};
+    const auto pValue = std::make_shared<boost::any>(initial.value);
+    m_objects[initial.oid] = {initial.type, [pValue] { return *pValue; }, check,
+                              [pValue](const boost::any& value) { *pValue = value; }};
 }
 
 Card::Answer Card::read(const buffer_t& request)

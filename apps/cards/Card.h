@@ -41,8 +41,7 @@ private:
     };
 
     void addOwnObjects(std::uint32_t slot, const std::string& source);
-    void addWritable(std::uint32_t oid, OidValueType type, const boost::any& initial,
-                     const std::function<int(const boost::any&)>& check);
+    void addWritable(const OidTypeValue& initial, const std::function<int(const boost::any&)>& check);
     static buffer_t valueElement(std::uint32_t oid, const CardObject& object);
     int checkWrite(const buffer_t& element, Write& write) const;
 

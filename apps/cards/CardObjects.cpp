@@ -10,9 +10,9 @@ CardObject readOnly(OidValueType type, std::function<boost::any()> read)
     return {type, std::move(read), nullptr, nullptr};
 }
 
-CardObject constant(OidValueType type, const boost::any& value)
+void addConstant(CardObjects& objects, const OidTypeValue& constant)
 {
-    return readOnly(type, [value] { return value; });
+    objects[constant.oid] = readOnly(constant.type, [value = constant.value] { return value; });
 }
 
 double steadySeconds()

@@ -29,8 +29,8 @@ using CardObjects = std::map<std::uint32_t, CardObject>;
 
 CardObject readOnly(OidValueType type, std::function<boost::any()> read);
 
-/// An object that does not change.
-CardObject constant(OidValueType type, const boost::any& value);
+/// Adds an object that does not change.
+void addConstant(CardObjects& objects, const OidTypeValue& constant);
 
 /// Seconds since some moment, for values that change with time.
 using SecondsClock = std::function<double()>;

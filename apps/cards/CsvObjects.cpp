@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "OidValue.h"
 #include "cards/CardObjects.h"
 #include "cards/OidTable.h"
 #include "cards/SourceFile.h"
@@ -216,7 +217,7 @@ void addCsvObjects(CardObjects& objects, const CsvReplay& replay, const SecondsC
         const OidValueType type = pRecording->typeOf(column);
         objects[oids::CSV_COLUMN + index] =
             readOnly(type, [pRecording, column, type] { return *parseValue(type, pRecording->fieldNow(column)); });
-        objects[oids::CSV_LABEL + index] = constant(OID_TYPE_STRING, pRecording->label(column));
+        addConstant(objects, makeOidValue(oids::CSV_LABEL + index, pRecording->label(column)));
         ++index;
     }
     if (pRecording->isStepped()) {

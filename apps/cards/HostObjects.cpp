@@ -9,6 +9,7 @@
 #include <dirent.h>
 #include <unistd.h>
 
+#include "OidValue.h"
 #include "cards/CardObjects.h"
 #include "cards/OidTable.h"
 
@@ -274,7 +275,7 @@ void addTemperatures(CardObjects& objects)
     for (const TemperatureSensor& sensor : temperatureSensors()) {
         objects[oids::TEMPERATURE + index] =
             readOnly(OID_TYPE_INT32, [file = sensor.file] { return temperatureOf(file); });
-        objects[oids::TEMPERATURE_LABEL + index] = constant(OID_TYPE_STRING, sensor.label);
+        addConstant(objects, makeOidValue(oids::TEMPERATURE_LABEL + index, sensor.label));
         ++index;
     }
 }

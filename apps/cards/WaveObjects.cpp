@@ -12,6 +12,7 @@
 #include <yaml-cpp/eventhandler.h>
 #include <yaml-cpp/yaml.h>
 
+#include "OidValue.h"
 #include "cards/CardObjects.h"
 #include "cards/OidTable.h"
 #include "cards/SourceFile.h"
@@ -293,7 +294,7 @@ void addWaveObjects(CardObjects& objects, const std::string& file, const Seconds
         const Signal& signal = signals[i];
         objects[oids::WAVE_SIGNAL + i] =
             readOnly(signal.type, [signal, start, clock] { return valueOf(signal, clock() - start); });
-        objects[oids::WAVE_LABEL + i] = constant(OID_TYPE_STRING, signal.name);
+        addConstant(objects, makeOidValue(oids::WAVE_LABEL + i, signal.name));
     }
 }
 
