@@ -27,9 +27,10 @@ struct NumberSet {
 constexpr NumberSet NOTHING = {ALL_NUMBERS, true};
 constexpr NumberSet EVERYTHING = {ALL_NUMBERS, false};
 
+// Of a set that is not empty.
 bool isEverything(const NumberSet& set)
 {
-    return !set.isEmpty && (set.interval.span == ALL_NUMBERS.span);
+    return set.interval.span == ALL_NUMBERS.span;
 }
 
 // The operator that says the same with its operands exchanged.
