@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "EventMgmtRulesParsing.h"
+#include "RuleDiagnosis.h"
 #include "common/JsonLine.h"
 #include "common/LineReader.h"
 #include "common/PrintableText.h"
@@ -10,7 +11,6 @@
 #include "rules/RuleDescription.h"
 #include "rules/RuleFaultPicture.h"
 #include "rules/RuleNotes.h"
-#include "rules/RuleText.h"
 
 namespace brantel {
 
@@ -60,7 +60,7 @@ private:
     {
         std::string kind = ruleKindText(parsed.m_expressionType);
         if (!vemorRules::isEmptyRule(rule)) {
-            kind = (isUnsignedRule(rule) ? "unsigned " : "signed ") + kind;
+            kind = (vemorRules::isUnsignedRule(rule) ? "unsigned " : "signed ") + kind;
         }
         m_output.writeLine(locationText(location) + ": " + m_output.coloured(Colour::GREEN, "valid") + ", " + kind +
                            ": " + meaningText(rule));
@@ -94,7 +94,7 @@ private:
         Json result = locationAndRule(rule, location, true);
         result["type"] = vemorRules::expressionTypeNames[parsed.m_expressionType];
         if (!vemorRules::isEmptyRule(rule)) {
-            result["unsigned"] = isUnsignedRule(rule);
+            result["unsigned"] = vemorRules::isUnsignedRule(rule);
         }
         result["meaning"] = meaningText(rule);
         result["notes"] = notesOn(rule);

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "EventMgmtRulesParsing.h"
+#include "RuleDiagnosis.h"
 #include "common/JsonLine.h"
 #include "common/LineReader.h"
 #include "common/Message.h"
@@ -18,7 +19,6 @@
 #include "rules/RaiseStatistics.h"
 #include "rules/RuleFaultPicture.h"
 #include "rules/RuleSession.h"
-#include "rules/RuleText.h"
 #include "samples/SampleTime.h"
 
 namespace brantel {
@@ -219,7 +219,7 @@ std::optional<vemorRules::RuleObject> evaluableRule(const RuleEvalOptions& optio
         refuse(options, fault.reason, fault);
         return std::nullopt;
     }
-    if (const std::optional<std::string> reason = reasonAgainstEvaluation(parsed)) {
+    if (const std::optional<std::string> reason = vemorRules::reasonAgainstEvaluation(parsed)) {
         refuse(options, *reason, std::nullopt);
         return std::nullopt;
     }
@@ -234,7 +234,7 @@ ExitCode evaluateRule(const RuleEvalOptions& options)
     if (!rule) {
         return EXIT_NEGATIVE_ANSWER;
     }
-    const bool isUnsigned = isUnsignedRule(options.rule);
+    const bool isUnsigned = vemorRules::isUnsignedRule(options.rule);
     const SampleRange range = sampleRange(isUnsigned);
     LineReader lines(options.input);
     const StopNotice stopNotice;

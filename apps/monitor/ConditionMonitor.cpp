@@ -3,10 +3,10 @@
 #include <iterator>
 
 #include "EventMgmtRulesParsing.h"
+#include "RuleDiagnosis.h"
 #include "cards/ResultText.h"
 #include "monitor/SampleOfValue.h"
 #include "rules/RuleReason.h"
-#include "rules/RuleText.h"
 
 namespace brantel {
 namespace {
@@ -14,10 +14,10 @@ namespace {
 std::optional<RuleSession> sessionOf(const std::string& rule)
 {
     vemorRules::RuleObject parsed;
-    if (!vemorRules::parseRule(rule, &parsed) || reasonAgainstEvaluation(parsed)) {
+    if (!vemorRules::parseRule(rule, &parsed) || vemorRules::reasonAgainstEvaluation(parsed)) {
         return std::nullopt;
     }
-    return RuleSession(parsed, isUnsignedRule(rule));
+    return RuleSession(parsed, vemorRules::isUnsignedRule(rule));
 }
 
 Event& addConditionEvent(const EventSink& sink, const RuleKey& key, bool isRaised, const std::string& condition)

@@ -1,8 +1,8 @@
 #include "rules/RuleDescription.h"
 
 #include "EventMgmtRulesParsing.h"
+#include "RuleText.h"
 #include "rules/Comparison.h"
-#include "rules/RuleText.h"
 
 namespace brantel {
 namespace {
@@ -72,7 +72,7 @@ std::string meaningText(const std::string& rule)
     if (vemorRules::isEmptyRule(rule)) {
         return meaningText({}, false);
     }
-    const std::vector<MappedText> parts = partsOf(rule);
+    const std::vector<vemorRules::MappedText> parts = vemorRules::partsOf(rule);
     std::string words;
     for (std::size_t i = 0; i < parts.size(); ++i) {
         RuleObject part;

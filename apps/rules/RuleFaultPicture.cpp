@@ -43,24 +43,31 @@ RuleWindow windowAround(const std::string& rule, std::size_t posFault)
 
 }  // namespace
 
+RuleFault explainRefusal(const std::string& rule)
+{
+    const std::size_t wholeRule = std::max<std::size_t>(rule.size(), 1);
+    return vemorRules::findFault(rule).value_or(
+        RuleFault{0, wholeRule, "the parser refuses it", "compare it with a rule that is valid"});
+}
+
 std::size_t faultColumn(const std::string& rule, const RuleFault& fault)
 {
-    return characterCount(rule, fault.span.begin) + 1;
+    return characterCount(rule, fault.position) + 1;
 }
 
 std::size_t faultLength(const std::string& rule, const RuleFault& fault)
 {
-    return characterCount(std::string_view(rule).substr(fault.span.begin), fault.span.length);
+    return characterCount(std::string_view(rule).substr(fault.position), fault.length);
 }
 
 std::vector<std::string> faultPicture(const std::string& rule, const RuleFault& fault)
 {
     constexpr const char* INDENT = "    ";
-    const RuleWindow window = windowAround(rule, fault.span.begin);
-    const std::size_t markedBytes = std::min(fault.span.length, window.end - std::min(fault.span.begin, window.end));
-    const std::size_t marked = characterCount(std::string_view(rule).substr(fault.span.begin), markedBytes);
+    const RuleWindow window = windowAround(rule, fault.position);
+    const std::size_t markedBytes = std::min(fault.length, window.end - std::min(fault.position, window.end));
+    const std::size_t marked = characterCount(std::string_view(rule).substr(fault.position), markedBytes);
     const std::string before(window.cutBefore.size() + characterCount(std::string_view(rule).substr(window.begin),
-                                                                      fault.span.begin - window.begin),
+                                                                      fault.position - window.begin),
                              ' ');
     return {INDENT + window.cutBefore +
                 printable(std::string_view(rule).substr(window.begin, window.end - window.begin)) + window.cutAfter,

@@ -8,9 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "rules/RuleDiagnosis.h"
+#include "RuleDiagnosis.h"
 
 namespace brantel {
+
+using vemorRules::RuleFault;
+
+/// Why the library refuses `rule`, which it does.
+RuleFault explainRefusal(const std::string& rule);
 
 /// The column of a fault, from 1.
 std::size_t faultColumn(const std::string& rule, const RuleFault& fault);

@@ -5,13 +5,16 @@
 #include <type_traits>
 
 #include "EventMgmtRulesParsing.h"
+#include "RuleText.h"
 #include "rules/RuleSession.h"
-#include "rules/RuleText.h"
 
 namespace brantel {
 namespace {
 
 using vemorRules::Expression;
+using vemorRules::MappedText;
+using vemorRules::NOT_FOUND;
+using vemorRules::PartMarks;
 using vemorRules::RuleObject;
 
 using Notes = std::vector<std::string>;
@@ -19,7 +22,7 @@ using Notes = std::vector<std::string>;
 // The text as written, blanks and letter case included.
 std::string asWritten(const std::string& rule, const MappedText& text)
 {
-    const TextSpan span = text.origin();
+    const vemorRules::TextSpan span = text.origin();
     return "'" + rule.substr(span.begin, span.length) + "'";
 }
 
@@ -159,12 +162,12 @@ std::vector<std::string> notesOn(const std::string& rule)
     if (vemorRules::isEmptyRule(rule)) {
         return notes;
     }
-    const std::vector<MappedText> parts = partsOf(rule);
+    const std::vector<MappedText> parts = vemorRules::partsOf(rule);
     for (const MappedText& part : parts) {
         notePart(notes, rule, part);
     }
     if (parts.size() > 1) {
-        notes.emplace_back(SEVERAL_PARTS);
+        notes.emplace_back(vemorRules::SEVERAL_PARTS);
     }
     return notes;
 }

@@ -3,11 +3,6 @@
 #include <limits>
 
 namespace brantel {
-namespace {
-
-constexpr std::size_t N_EXPRESSIONS_OF_TYPE[] = {0, 1, 1, 2, 4};
-
-}  // namespace
 
 SampleRange sampleRange(bool isUnsigned)
 {
@@ -15,17 +10,6 @@ SampleRange sampleRange(bool isUnsigned)
         return {std::numeric_limits<unsigned int>::min(), std::numeric_limits<unsigned int>::max()};
     }
     return {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()};
-}
-
-std::optional<std::string> reasonAgainstEvaluation(const vemorRules::RuleObject& rule)
-{
-    if (rule.m_expressionType == vemorRules::NO_EXPRESSION) {
-        return "there is nothing to evaluate: the rule is empty or a comment";
-    }
-    if (rule.m_expressions.size() != N_EXPRESSIONS_OF_TYPE[rule.m_expressionType]) {
-        return SEVERAL_PARTS;
-    }
-    return std::nullopt;
 }
 
 RuleSession::RuleSession(const vemorRules::RuleObject& rule, bool isUnsigned) : m_rule(rule), m_isUnsigned(isUnsigned)

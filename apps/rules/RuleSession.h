@@ -24,13 +24,6 @@ struct SampleRange {
 
 SampleRange sampleRange(bool isUnsigned);
 
-/// The reason against rules of several parts: their type is that of the last part and never matches the number of their
-/// expressions.
-constexpr const char* SEVERAL_PARTS = "a rule of several parts is never evaluated: make each part a rule of its own";
-
-/// Why `rule`, as the parser filled it, cannot be evaluated; nothing if it can.
-std::optional<std::string> reasonAgainstEvaluation(const vemorRules::RuleObject& rule);
-
 /// One condition of a rule after a sample. A double hysteresis has two, "upper" and "lower"; every other rule has one,
 /// without a name.
 struct ConditionState {
@@ -48,7 +41,7 @@ struct RuleMemory {
 
 class RuleSession {
 public:
-    /// `rule` can be evaluated (reasonAgainstEvaluation).
+    /// `rule` can be evaluated (vemorRules::reasonAgainstEvaluation).
     RuleSession(const vemorRules::RuleObject& rule, bool isUnsigned);
 
     const vemorRules::RuleObject& rule() const { return m_rule; }

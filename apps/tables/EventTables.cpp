@@ -6,11 +6,11 @@
 
 #include "EventMgmtRulesParsing.h"
 #include "EvmDatabase.h"
+#include "RuleDiagnosis.h"
 #include "common/CommandLine.h"
 #include "common/NearestWord.h"
 #include "common/Numbers.h"
 #include "common/PrintableText.h"
-#include "rules/RuleSession.h"
 
 namespace brantel {
 
@@ -180,10 +180,9 @@ std::vector<RowFault> faultsOfRow(const EventTable& table, const sql::Row& row)
 
 std::optional<RuleFault> faultOfStoredRule(const std::string& rule)
 {
-    const TextSpan wholeRule{0, std::max<std::size_t>(rule.size(), 1)};
+    const std::size_t wholeRule = std::max<std::size_t>(rule.size(), 1);
     if (rule.size() > MAX_RULE_LENGTH) {
-        return RuleFault{{MAX_RULE_LENGTH, 1},
-                         "the rule is longer than " + std::to_string(MAX_RULE_LENGTH) + " bytes",
+        return RuleFault{MAX_RULE_LENGTH, 1, "the rule is longer than " + std::to_string(MAX_RULE_LENGTH) + " bytes",
                          "write a shorter rule"};
     }
     vemorRules::RuleObject parsed;
@@ -191,16 +190,16 @@ std::optional<RuleFault> faultOfStoredRule(const std::string& rule)
         if (!vemorRules::parseRule(rule, &parsed)) {
             return explainRefusal(rule);
         }
-        if (const std::optional<std::string> reason = reasonAgainstEvaluation(parsed)) {
-            return RuleFault{wholeRule, *reason, "write a rule of one part"};
+        if (const std::optional<std::string> reason = vemorRules::reasonAgainstEvaluation(parsed)) {
+            return RuleFault{0, wholeRule, *reason, "write a rule of one part"};
         }
     }
     const std::optional<UnfitText> unfit = findUnfitText(rule);
     if (unfit && unfit->isUtf8) {
-        return RuleFault{{unfit->position, 1}, "there is a control character", "write the rule in one line"};
+        return RuleFault{unfit->position, 1, "there is a control character", "write the rule in one line"};
     }
     if (unfit) {
-        return RuleFault{wholeRule, "the text is not UTF-8", "write it in UTF-8"};
+        return RuleFault{0, wholeRule, "the text is not UTF-8", "write it in UTF-8"};
     }
     return std::nullopt;
 }

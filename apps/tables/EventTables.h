@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "rules/RuleDiagnosis.h"
+#include "rules/RuleFaultPicture.h"
 #include "sql/Database.h"
 #include "tables/Place.h"
 

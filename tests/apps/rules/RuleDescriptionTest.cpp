@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "EventMgmtRulesParsing.h"
-#include "rules/RuleText.h"
+#include "RuleDiagnosis.h"
 
 namespace brantel {
 namespace {
@@ -29,7 +29,7 @@ TEST_P(RuleDescription, PutsARuleIntoPlainWords)
     ASSERT_TRUE(vemorRules::parseRule(GetParam().rule, &parsed));
 
     EXPECT_EQ(ruleKindText(parsed.m_expressionType), GetParam().kind);
-    EXPECT_EQ(meaningText(parsed, isUnsignedRule(GetParam().rule)), GetParam().meaning);
+    EXPECT_EQ(meaningText(parsed, vemorRules::isUnsignedRule(GetParam().rule)), GetParam().meaning);
     EXPECT_EQ(meaningText(GetParam().rule), GetParam().meaning);
 }
 

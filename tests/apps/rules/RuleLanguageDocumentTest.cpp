@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "EventMgmtRulesParsing.h"
+#include "RuleDiagnosis.h"
 #include "rules/RuleDescription.h"
-#include "rules/RuleDiagnosis.h"
 
 namespace brantel {
 namespace {
@@ -60,7 +60,7 @@ TEST(RuleLanguageDocument, ShowsWhyRulesAreRefused)
     EXPECT_GE(rows.size(), 10U);
     for (const DocumentedRule& row : rows) {
         EXPECT_FALSE(vemorRules::isValidRule(row.rule)) << row.rule;
-        const std::optional<RuleFault> fault = findFault(row.rule);
+        const std::optional<vemorRules::RuleFault> fault = vemorRules::findFault(row.rule);
         EXPECT_EQ(fault ? fault->reason : "nothing", row.says) << row.rule;
     }
 }

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "EventMgmtRulesParsing.h"
-#include "rules/RuleText.h"
+#include "RuleDiagnosis.h"
 
 namespace brantel {
 namespace {
@@ -30,7 +30,7 @@ TEST_P(RuleReason, NamesTheComparisonThatDecided)
     const ReasonCase& each = GetParam();
     vemorRules::RuleObject rule;
     ASSERT_TRUE(vemorRules::parseRule(each.rule, &rule));
-    RuleSession session(rule, isUnsignedRule(each.rule));
+    RuleSession session(rule, vemorRules::isUnsignedRule(each.rule));
     session.evaluate(each.previous);
     session.evaluate(each.sample);
 

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "EventMgmtRulesParsing.h"
+#include "RuleDiagnosis.h"
 #include "rules/RaiseStatistics.h"
-#include "rules/RuleText.h"
 
 namespace brantel {
 
@@ -36,7 +36,7 @@ vemorRules::RuleObject parsed(const std::string& rule)
 
 RuleSession sessionOf(const std::string& rule)
 {
-    return {parsed(rule), isUnsignedRule(rule)};
+    return {parsed(rule), vemorRules::isUnsignedRule(rule)};
 }
 
 TEST(RuleSession, HasNoStateAfterTheFirstSampleOfADeltaRule)
@@ -83,21 +83,6 @@ TEST(RuleSession, DoesNotRaiseASignedDeltaRuleForAChangeAboveItsRange)
 
     session.evaluate(-2147483647 - 1);
     EXPECT_EQ(session.evaluate(2147483647), (States{{"", false, false}}));
-}
-
-TEST(RuleSession, IsNotForRulesThatCannotBeEvaluated)
-{
-    const std::optional<std::string> nothing;
-    const std::optional<std::string> empty = "there is nothing to evaluate: the rule is empty or a comment";
-    const std::optional<std::string> several =
-        "a rule of several parts is never evaluated: make each part a rule of its own";
-
-    EXPECT_EQ(reasonAgainstEvaluation(parsed("/comment")), empty);
-    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(value>1)")), nothing);
-    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(delta>1)")), nothing);
-    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(hyslow(1,2))")), nothing);
-    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(hyslow(1,2)hyshigh(1,2))")), nothing);
-    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(value>1);expr=signed(value>1)")), several);
 }
 
 TEST(SampleRange, IsThatOfTheRulesSignedness)

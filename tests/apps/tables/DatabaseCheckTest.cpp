@@ -51,7 +51,7 @@ TEST_F(DatabaseCheck, ShowsWhereARuleIsWrong)
     checkDatabase(m_database.database(), [&](const Finding& finding) { found.push_back(finding); });
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found.front().rule, "expr=signed(value=1)");
-    EXPECT_EQ(found.front().ruleFault->span.begin, 17U);
+    EXPECT_EQ(found.front().ruleFault->position, 17U);
 }
 
 TEST_F(DatabaseCheck, FindsRulesThatAreNeverEvaluated)

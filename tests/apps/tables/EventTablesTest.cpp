@@ -131,7 +131,7 @@ TEST(RowFault, OfARuleHasItsPosition)
     const std::vector<RowFault> faults =
         faultsOfRow(table("SysCardAllowEventsTable"), {1, 7, "1234", "expr=signed(value=1)"});
     ASSERT_EQ(faults.size(), 1U);
-    EXPECT_EQ(faults.front().ruleFault->span.begin, 17U);
+    EXPECT_EQ(faults.front().ruleFault->position, 17U);
 }
 
 }  // namespace

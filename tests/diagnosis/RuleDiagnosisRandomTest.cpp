@@ -13,10 +13,10 @@
 #include <gtest/gtest.h>
 
 #include "EventMgmtRulesParsing.h"
-#include "rules/RuleDiagnosis.h"
+#include "RuleDiagnosis.h"
 #include "support/Diagnostics.h"
 
-namespace brantel {
+namespace vemorRules {
 namespace {
 
 using Tokens = std::vector<std::string>;
@@ -250,26 +250,61 @@ std::string sharedRow(const std::string& line, const std::string& reason)
     return {};
 }
 
+// Whether the numbers in an expression are unsigned.
+bool holdsUnsigned(const boost::any& operand)
+{
+    const auto* const pExpression = boost::any_cast<Expression>(&operand);
+    if (pExpression == nullptr) {
+        return operand.type() == typeid(unsigned int);
+    }
+    return holdsUnsigned(pExpression->m_leftOperand) || holdsUnsigned(pExpression->m_rightOperand);
+}
+
 class RuleDiagnosisOnRandomRules : public testing::Test {
 protected:
     // Takes note of the row of the table that the refused rule leads to.
     void compareVerdicts(const std::string& rule)
     {
-        const bool isValid = vemorRules::isValidRule(rule);
+        const bool isValid = isValidRule(rule);
         const Diagnostics lines = m_diagnostics.take();
         const std::optional<RuleFault> fault = findFault(rule);
         ASSERT_EQ(fault.has_value(), !isValid) << rule;
         if (!fault) {
             ++m_valid;
+            compareEvaluation(rule);
             return;
         }
-        ASSERT_GE(fault->span.length, 1U) << rule;
-        ASSERT_LE(fault->span.begin, rule.size()) << rule;
-        ASSERT_LE(fault->span.begin + fault->span.length, rule.size() + 1) << rule;
+        ASSERT_GE(fault->length, 1U) << rule;
+        ASSERT_LE(fault->position, rule.size()) << rule;
+        ASSERT_LE(fault->position + fault->length, rule.size() + 1) << rule;
         ASSERT_FALSE(fault->remedy.empty()) << rule;
         const std::string row = sharedRow(lines.at(0), fault->reason);
         ASSERT_NE(row, "") << rule << '\n' << lines.at(0) << '\n' << fault->reason;
         ++m_refused[row];
+    }
+
+    // A valid rule is evaluated without a line exactly if nothing is said against that, and its numbers are of the type
+    // that its text is said to declare.
+    void compareEvaluation(const std::string& rule)
+    {
+        RuleObject parsed;
+        parseRule(rule, &parsed);
+        m_diagnostics.take();
+        bool isUpperRaised = false;
+        bool isLowerRaised = false;
+        switch (parsed.m_expressionType) {
+            case SIMPLE_EXPRESSION_VALUE: checkSimpleValueRule<int>(parsed, 1); break;
+            case SIMPLE_EXPRESSION_DELTA: checkSimpleDeltaRule<int>(parsed, 1, 2); break;
+            case SINGLE_HYSTERESIS: checkSingleHysteresisRule<int>(parsed, 1, false); break;
+            case DOUBLE_HYSTERESIS: checkDoubleHysteresisRule<int>(parsed, 1, isUpperRaised, isLowerRaised); break;
+            case NO_EXPRESSION: break;
+        }
+        const bool isEvaluated = m_diagnostics.take().empty() && (parsed.m_expressionType != NO_EXPRESSION);
+        ASSERT_EQ(!reasonAgainstEvaluation(parsed), isEvaluated) << rule;
+        if ((parsed.m_expressionType == SIMPLE_EXPRESSION_VALUE) ||
+            (parsed.m_expressionType == SIMPLE_EXPRESSION_DELTA)) {
+            ASSERT_EQ(isUnsignedRule(rule), holdsUnsigned(parsed.m_expressions.back())) << rule;
+        }
     }
 
     DiagnosticsCapture m_diagnostics{3};
@@ -318,4 +353,4 @@ TEST_F(RuleDiagnosisOnRandomRules, GivesTheReasonThatTheLibraryLogsForEveryKindO
 
 }  // namespace
 
-}  // namespace brantel
+}  // namespace vemorRules

@@ -1,6 +1,11 @@
-#include "rules/RuleText.h"
+#include "RuleText.h"
 
-namespace brantel {
+namespace vemorRules {
+
+bool isEmptyOrComment(const std::string& rule)
+{
+    return rule.empty() || (rule[0] == '/');
+}
 
 std::vector<MappedText> partsOf(const std::string& rule)
 {
@@ -27,9 +32,4 @@ MappedText expressionOf(const MappedText& part, const PartMarks& marks)
     return part.part(begin, marks.closingBracket - begin);
 }
 
-bool isUnsignedRule(const std::string& rule)
-{
-    return marksOf(partsOf(rule).back()).isUnsigned;
-}
-
-}  // namespace brantel
+}  // namespace vemorRules

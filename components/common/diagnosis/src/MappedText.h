@@ -1,5 +1,5 @@
-#ifndef APPS_RULES_MAPPED_TEXT_H
-#define APPS_RULES_MAPPED_TEXT_H
+#ifndef BRANTEL_MAPPED_TEXT_H
+#define BRANTEL_MAPPED_TEXT_H
 
 // A text cut out of another one that keeps the original position of each character. The parser reads a rule without its
 // blanks, in lower case, piece by piece; a fault is shown at its position in the rule as written.
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace brantel {
+namespace vemorRules {
 
 /// A part of the original text, in bytes from 0. Covers at least one byte, at the end of the text the one after it.
 struct TextSpan {
@@ -44,6 +44,6 @@ private:
     std::vector<std::size_t> m_origins;  ///< of each byte, and of the position after the last
 };
 
-}  // namespace brantel
+}  // namespace vemorRules
 
 #endif

@@ -1,4 +1,4 @@
-#include "rules/RuleDiagnosis.h"
+#include "RuleDiagnosis.h"
 
 #include <ostream>
 
@@ -6,7 +6,7 @@
 
 #include "EventMgmtRulesParsing.h"
 
-namespace brantel {
+namespace vemorRules {
 namespace {
 
 struct RefusedRule {
@@ -36,12 +36,12 @@ class RuleDiagnosis : public testing::TestWithParam<RefusedRule> {};
 
 std::string marksBelow(const RuleFault& fault)
 {
-    return std::string(fault.span.begin, ' ') + "^" + std::string(fault.span.length - 1, '~');
+    return std::string(fault.position, ' ') + "^" + std::string(fault.length - 1, '~');
 }
 
 TEST_P(RuleDiagnosis, NamesThePlaceTheReasonAndWhatWouldBeRight)
 {
-    EXPECT_FALSE(vemorRules::isValidRule(GetParam().rule));
+    EXPECT_FALSE(isValidRule(GetParam().rule));
     const std::optional<RuleFault> fault = findFault(GetParam().rule);
 
     ASSERT_TRUE(fault);
@@ -164,6 +164,121 @@ const RefusedRule refusedRules[] = {
 
 INSTANTIATE_TEST_SUITE_P(EveryFault, RuleDiagnosis, testing::ValuesIn(refusedRules));
 
+TEST(FindFault, FindsNothingInARuleAnEmptyTextOrAComment)
+{
+    for (const char* const rule : {"expr=signed(value>1)", "EXPR = Unsigned( hyshigh(1, 2) )", "", "/ value>5"}) {
+        EXPECT_TRUE(isValidRule(rule)) << rule;
+        EXPECT_FALSE(findFault(rule)) << rule;
+    }
+}
+
+TEST(FindFault, QuotesThePartsOfALongRuleByTheirFirst80Characters)
+{
+    const std::string word(81, 'x');
+    EXPECT_EQ(findFault("expr=signed(value>" + word + ")")->reason,
+              "'" + std::string(80, 'x') + "...' is not a whole number");
+    EXPECT_EQ(findFault("expr=signed(value>" + word.substr(1) + ")")->reason,
+              "'" + std::string(80, 'x') + "' is not a whole number");
+
+    std::string umlauts;
+    for (int i = 0; i < 81; ++i) {
+        umlauts += "\u00FC";
+    }
+    EXPECT_EQ(findFault("expr=signed(value>" + umlauts + ")")->reason,
+              "'" + umlauts.substr(0, 160) + "...' is not a whole number");
+}
+
+TEST(IsUnsignedRule, IsWhatTheTextDeclares)
+{
+    const std::pair<const char*, bool> rules[] = {
+        {"expr=signed(value>1)", false},
+        {"expr=unsigned(value>1)", true},
+        {"EXPR = Un Signed ( value > 1 )", true},
+        {"exprunsigned(value<=1)", false},  // "unsigned(" counts only after the first "="
+        {"expr=signed(value>1);expr=unsigned(value>1)", true},
+        {"expr=unsigned(value>1);expr=signed(value>1)", false},
+        {"", false},
+        {"/expr=unsigned(value>1)", false},
+    };
+    for (const auto& [rule, isUnsigned] : rules) {
+        EXPECT_TRUE(isValidRule(rule)) << rule;
+        EXPECT_EQ(isUnsignedRule(rule), isUnsigned) << rule;
+    }
+}
+
+RuleObject parsed(const std::string& text)
+{
+    RuleObject rule;
+    EXPECT_TRUE(parseRule(text, &rule)) << text;
+    return rule;
+}
+
+RuleObject withOperand(ExpressionType type, const boost::any& operand)
+{
+    RuleObject rule = parsed((type == SINGLE_HYSTERESIS) ? "expr=signed(hyshigh(1,2))" : "expr=signed(value>1)");
+    rule.m_expressions.back().m_rightOperand = operand;
+    return rule;
+}
+
+const std::optional<std::string> NO_REASON;
+
+TEST(ReasonAgainstEvaluation, IsNoneForRulesOfOnePart)
+{
+    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(value>1)")), NO_REASON);
+    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(delta>1)")), NO_REASON);
+    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=unsigned(value>1 and value<5)")), NO_REASON);
+    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(hyslow(1,2))")), NO_REASON);
+    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(hyslow(1,2)hyshigh(1,2))")), NO_REASON);
+}
+
+TEST(ReasonAgainstEvaluation, NamesRulesWithoutExpressionAndRulesOfSeveralParts)
+{
+    const std::optional<std::string> empty = "there is nothing to evaluate: the rule is empty or a comment";
+    const std::optional<std::string> several =
+        "a rule of several parts is never evaluated: make each part a rule of its own";
+
+    EXPECT_EQ(reasonAgainstEvaluation(parsed("")), empty);
+    EXPECT_EQ(reasonAgainstEvaluation(parsed("/comment")), empty);
+    EXPECT_EQ(reasonAgainstEvaluation(parsed("expr=signed(value>1);expr=signed(value>1)")), several);
+
+    RuleObject twice = parsed("expr=signed(value>1)");
+    EXPECT_TRUE(parseRule("expr=signed(value>1)", &twice));
+    EXPECT_EQ(reasonAgainstEvaluation(twice), several);
+}
+
+TEST(ReasonAgainstEvaluation, NamesWhatTheParserNeverMakes)
+{
+    RuleObject rule = parsed("expr=signed(hyshigh(1,2))");
+    rule.m_expressions.pop_back();
+    EXPECT_EQ(reasonAgainstEvaluation(rule), "the type of the rule takes 2 expressions, the rule has 1");
+    for (const int type : {-1, 5}) {
+        rule.m_expressionType = static_cast<ExpressionType>(type);
+        EXPECT_EQ(reasonAgainstEvaluation(rule), "the rule type " + std::to_string(type) + " is unknown");
+    }
+    for (const int unknown : {-1, 8}) {
+        rule = parsed("expr=signed(value>1)");
+        rule.m_expressions[0].m_relationalOperator = static_cast<RelationalOperator>(unknown);
+        EXPECT_EQ(reasonAgainstEvaluation(rule), "the operator " + std::to_string(unknown) + " is unknown");
+    }
+}
+
+TEST(ReasonAgainstEvaluation, NamesOperandsThatNoCheckTakesHoweverDeep)
+{
+    const std::string foreign =
+        "an operand is not an int, an unsigned int, a ParamField, a MemoryField or an Expression";
+    const std::string memory = "an operand is a MemoryField: only a hysteresis has a state";
+    for (const ExpressionType type : {SIMPLE_EXPRESSION_VALUE, SINGLE_HYSTERESIS}) {
+        for (const boost::any& operand : {boost::any(), boost::any(1L), boost::any(std::string("1"))}) {
+            EXPECT_EQ(reasonAgainstEvaluation(withOperand(type, operand)), foreign);
+            EXPECT_EQ(reasonAgainstEvaluation(withOperand(type, Expression(LESS_THAN, 1, operand))), foreign);
+            EXPECT_EQ(reasonAgainstEvaluation(withOperand(type, Expression(LESS_THAN, operand, 1))), foreign);
+        }
+        EXPECT_EQ(reasonAgainstEvaluation(withOperand(type, 1U)), NO_REASON);
+    }
+    EXPECT_EQ(reasonAgainstEvaluation(withOperand(SIMPLE_EXPRESSION_VALUE, MemoryField())), memory);
+    EXPECT_EQ(reasonAgainstEvaluation(withOperand(SINGLE_HYSTERESIS, MemoryField())), NO_REASON);
+}
+
 }  // namespace
 
-}  // namespace brantel
+}  // namespace vemorRules

@@ -1,5 +1,5 @@
-#ifndef APPS_RULES_RULE_TEXT_H
-#define APPS_RULES_RULE_TEXT_H
+#ifndef BRANTEL_RULE_TEXT_H
+#define BRANTEL_RULE_TEXT_H
 
 // A rule text taken apart as the parser does it, down to the expression inside "signed(...)": where things are, not
 // whether they are right.
@@ -8,11 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "rules/MappedText.h"
+#include "MappedText.h"
 
-namespace brantel {
+namespace vemorRules {
 
 constexpr std::size_t NOT_FOUND = std::string::npos;
+
+/// Whether a rule is valid without having parts.
+bool isEmptyOrComment(const std::string& rule);
 
 /// The parts of a rule, without blanks and in lower case.
 std::vector<MappedText> partsOf(const std::string& rule);
@@ -31,9 +34,10 @@ PartMarks marksOf(const MappedText& part);
 /// The text between the two brackets; only for a part that has both, with something between them.
 MappedText expressionOf(const MappedText& part, const PartMarks& marks);
 
-/// Whether a valid rule is for unsigned samples; of several parts, whether the last one is.
-bool isUnsignedRule(const std::string& rule);
+/// The reason against rules of several parts: their type is that of the last part and never matches the number of their
+/// expressions.
+constexpr const char* SEVERAL_PARTS = "a rule of several parts is never evaluated: make each part a rule of its own";
 
-}  // namespace brantel
+}  // namespace vemorRules
 
 #endif

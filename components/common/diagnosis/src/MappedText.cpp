@@ -1,10 +1,11 @@
-#include "rules/MappedText.h"
+#include "MappedText.h"
 
+#include <locale>
 #include <numeric>
 
 #include <boost/algorithm/string/case_conv.hpp>
 
-namespace brantel {
+namespace vemorRules {
 
 MappedText::MappedText(const std::string& original) : m_text(original), m_origins(original.size() + 1)
 {
@@ -36,7 +37,7 @@ MappedText MappedText::without(char unwanted) const
 MappedText MappedText::inLowerCase() const
 {
     MappedText result = *this;
-    boost::to_lower(result.m_text);
+    boost::to_lower(result.m_text, std::locale::classic());  // as the parser does it
     return result;
 }
 
@@ -59,4 +60,4 @@ TextSpan MappedText::originOf(std::size_t pos, std::size_t length) const
     return {begin, end - begin};
 }
 
-}  // namespace brantel
+}  // namespace vemorRules

@@ -1,17 +1,14 @@
-#include "rules/RuleDiagnosis.h"
+#include "RuleDiagnosis.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <system_error>
 #include <type_traits>
 #include <vector>
 
-#include "EventMgmtRulesParsing.h"
-#include "common/PrintableText.h"
-#include "rules/RuleText.h"
+#include "RuleText.h"
 
-namespace brantel {
+namespace vemorRules {
 namespace {
 
 using Fault = std::optional<RuleFault>;
@@ -24,6 +21,21 @@ constexpr const char* ONE_COMPARISON =
 constexpr const char* SIGNED_OR_UNSIGNED = "write expr=signed(...) or expr=unsigned(...)";
 constexpr const char* SIZE_OF_CHANGE = "write the size of the change: 0 or more";
 constexpr const char* REMOVE_TAB = "remove the tab: only spaces are ignored";
+
+// A piece of a rule as a reason quotes it: 80 characters of UTF-8 at the most.
+std::string inQuotes(const std::string& text)
+{
+    constexpr std::size_t LONGEST = 80;
+    std::size_t characters = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isContinuation = ((static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80U);
+        characters += isContinuation ? 0 : 1;
+        if (characters > LONGEST) {
+            return "'" + text.substr(0, i) + "...'";
+        }
+    }
+    return "'" + text + "'";
+}
 
 bool contains(const std::string& text, const std::string& word)
 {
@@ -43,12 +55,13 @@ bool namesField(const std::string& text)
 RuleFault faultAt(const MappedText& text, std::size_t pos, std::size_t length, const std::string& reason,
                   const std::string& remedy)
 {
-    return {text.originOf(pos, length), reason, remedy};
+    const TextSpan span = text.originOf(pos, length);
+    return {span.begin, span.length, reason, remedy};
 }
 
 RuleFault faultOf(const MappedText& text, const std::string& reason, const std::string& remedy)
 {
-    return {text.origin(), reason, remedy};
+    return faultAt(text, 0, text.text().size(), reason, remedy);
 }
 
 // What would be right in place of the first character of `number` that is not a digit.
@@ -269,10 +282,10 @@ RuleFault emptyPart(const std::string& rule, const MappedText& part)
     const std::size_t posAfter = part.origin().begin;
     const std::size_t posSeparator = (posAfter < rule.size()) ? posAfter : rule.rfind(';');
     if (posSeparator == std::string::npos) {
-        return {{0, rule.size()}, "there are only blanks", "leave the rule empty, or write one"};
+        return {0, rule.size(), "there are only blanks", "leave the rule empty, or write one"};
     }
-    return {
-        {posSeparator, 1}, "there is an empty part next to this ';'", "remove the ';', or write a rule on both sides"};
+    return {posSeparator, 1, "there is an empty part next to this ';'",
+            "remove the ';', or write a rule on both sides"};
 }
 
 Fault faultOfPart(const MappedText& part)
@@ -300,16 +313,9 @@ Fault faultOfPart(const MappedText& part)
 
 }  // namespace
 
-RuleFault explainRefusal(const std::string& rule)
-{
-    const TextSpan wholeRule{0, std::max<std::size_t>(rule.size(), 1)};
-    return findFault(rule).value_or(
-        RuleFault{wholeRule, "the parser refuses it", "compare it with a rule that is valid"});
-}
-
 std::optional<RuleFault> findFault(const std::string& rule)
 {
-    if (vemorRules::isEmptyRule(rule)) {
+    if (isEmptyOrComment(rule)) {
         return std::nullopt;
     }
     for (const MappedText& part : partsOf(rule)) {
@@ -323,4 +329,9 @@ std::optional<RuleFault> findFault(const std::string& rule)
     return std::nullopt;
 }
 
-}  // namespace brantel
+bool isUnsignedRule(const std::string& rule)
+{
+    return !isEmptyOrComment(rule) && marksOf(partsOf(rule).back()).isUnsigned;
+}
+
+}  // namespace vemorRules
