@@ -4,8 +4,8 @@
 
 #include "EventMgmtRulesParsing.h"
 #include "RuleDiagnosis.h"
+#include "RuleSample.h"
 #include "cards/ResultText.h"
-#include "monitor/SampleOfValue.h"
 #include "rules/RuleReason.h"
 
 namespace brantel {
@@ -68,6 +68,14 @@ void clearConditions(const RuleKey& key, const RuleSession& session, const std::
             event.reason = reason;
         }
     }
+}
+
+std::optional<SampleValue> sampleFor(const RuleSession& session, const TypeValueRecord& record)
+{
+    if (session.isUnsigned()) {
+        return icsc::sampleOf<unsigned int>(record);
+    }
+    return icsc::sampleOf<int>(record);
 }
 
 std::string rangeText(const SampleRange& range)
@@ -177,17 +185,16 @@ std::string ConditionMonitor::takeValue(const Place& place, std::uint32_t oid, W
         // The object was not requested if its rule came while the reading was under way.
         return (failure == reading.failures.end()) ? object.failure : resultText(failure->second);
     }
-    const std::optional<SampleValue> sample = sampleOfValue(value->second);
-    if (!sample) {
+    if (!icsc::isNumericType(value->second.type)) {
         return "its value is not a number";
     }
     std::string failure;
     for (auto& rule : object.rules) {
-        const SampleRange range = sampleRange(rule.second.isUnsigned());
-        if ((*sample < range.lowest) || (*sample > range.highest)) {
-            failure = "its value is outside " + rangeText(range) + ", the range of '" + rule.first + "'";
-        } else {
+        if (const std::optional<SampleValue> sample = sampleFor(rule.second, value->second)) {
             evaluate(place, oid, rule, *sample, sink);
+        } else {
+            failure = "its value is outside " + rangeText(sampleRange(rule.second.isUnsigned())) + ", the range of '" +
+                      rule.first + "'";
         }
     }
     return failure;
