@@ -1,72 +1,24 @@
 #ifndef TESTS_SUPPORT_DIAGNOSTICS_H
 #define TESTS_SUPPORT_DIAGNOSTICS_H
 
-// Captures what the library writes to syslog and reports through logAssertFailed, as one list of texts in the order in
-// which it happened. Lines show priority, format and formatted text; "#" replaces the source line. Any thread may
-// write.
+// The recorded diagnostics as a fixture.
 
 #include <cstdint>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
-#include "trace/TraceObject.h"
-#include "trace/logAssertFailed.h"
+#include "brantel/testing/Diagnostics.h"
 
-using Diagnostics = std::vector<std::string>;
-
-// Expected texts of lines: the message's own format, and the message as a reader sees it.
-std::string errorLine(const std::string& file, const std::string& function, const std::string& format,
-                      const std::string& message);
-std::string warningLine(const std::string& file, const std::string& function, const std::string& format,
-                        const std::string& message);
-std::string debugLine(const std::string& file, const std::string& function, const std::string& format,
-                      const std::string& message);
-std::string assertReport(const std::string& condition, const std::string& file, const std::string& function);
-
-// The lines of one source file, expected with the message's own format and arguments.
-class SourceLines {
-public:
-    explicit SourceLines(std::string file) : m_file(std::move(file)) {}
-
-    std::string error(const char* function, const char* format, ...) const __attribute__((format(printf, 3, 4)));
-    std::string debug(const char* function, const char* format, ...) const __attribute__((format(printf, 3, 4)));
-
-private:
-    std::string m_file;
-};
-
-// Both in order.
-Diagnostics operator+(Diagnostics first, const Diagnostics& second);
-
-// What of `all` is written at `traceLevel`: error lines above 2, warnings above 3, debug lines above 8, reports always.
-Diagnostics writtenAt(std::int32_t traceLevel, const Diagnostics& all);
-
-// While one lives, syslog lines and assertion reports are captured and the trace level is the one given.
-class DiagnosticsCapture {
-public:
-    explicit DiagnosticsCapture(std::int32_t traceLevel);
-    ~DiagnosticsCapture();
-    DiagnosticsCapture(const DiagnosticsCapture&) = delete;
-    DiagnosticsCapture& operator=(const DiagnosticsCapture&) = delete;
-
-    void setTraceLevel(std::int32_t traceLevel)
-    {
-        m_trace.setTraceLevel(traceLevel);
-        g_traceObject = &m_trace;
-    }
-    void removeTraceObject() { g_traceObject = nullptr; }
-
-    /// What was captured since the last call.
-    Diagnostics take();
-
-private:
-    TraceObject m_trace;
-    TraceObject* m_pTraceBefore;
-    AssertFailedHandler m_handlerBefore;
-};
+using brantelTesting::assertReport;
+using brantelTesting::debugLine;
+using brantelTesting::Diagnostics;
+using brantelTesting::DiagnosticsCapture;
+using brantelTesting::errorLine;
+using brantelTesting::SourceLines;
+using brantelTesting::warningLine;
+using brantelTesting::writtenAt;
+using brantelTesting::operator+;
 
 class DiagnosticsTest : public ::testing::Test {
 protected:

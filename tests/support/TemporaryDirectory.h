@@ -1,25 +1,20 @@
 #ifndef TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
 #define TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
 
+#include <fstream>
+#include <sstream>
 #include <string>
 
-// A directory for one test, removed with its content.
-class TemporaryDirectory {
-public:
-    TemporaryDirectory();
-    ~TemporaryDirectory();
-    TemporaryDirectory(const TemporaryDirectory&) = delete;
-    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+#include "brantel/testing/TemporaryDirectory.h"
 
-    const std::string& path() const { return m_path; }
+using brantelTesting::RuntimeDirectory;
+using brantelTesting::TemporaryDirectory;
 
-    /// Writes a file for this user alone, and returns its path.
-    std::string write(const std::string& name, const std::string& content) const;
-
-private:
-    std::string m_path;
-};
-
-std::string contentOf(const std::string& path);
+inline std::string contentOf(const std::string& path)
+{
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
 
 #endif

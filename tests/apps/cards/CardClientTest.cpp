@@ -2,7 +2,6 @@
 
 #include "cards/CardClient.h"
 
-#include <cstdlib>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -18,13 +17,7 @@ constexpr std::uint32_t SLOT = 3;
 
 class CardClientTest : public testing::Test {
 protected:
-    CardClientTest()
-    {
-        ::setenv("XDG_RUNTIME_DIR", m_folder.path().c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
-        ::unsetenv("BRANTEL_MESSAGE_DIRECTORY");                  // NOLINT(concurrency-mt-unsafe)
-    }
-
-    const TemporaryDirectory m_folder;
+    const RuntimeDirectory m_folder;
 };
 
 TEST_F(CardClientTest, MakesNoCallWhereNoCardIs)

@@ -3,9 +3,6 @@
 
 // A runtime directory for the test alone, and the captured log.
 
-#include <cstdlib>
-#include <string>
-
 #include "support/Diagnostics.h"
 #include "support/ErrorOf.h"
 #include "support/TemporaryDirectory.h"
@@ -16,14 +13,8 @@ class MessageTest : public ::testing::Test {
 protected:
     static constexpr std::int32_t WARNINGS = 4;
 
-    MessageTest()
-    {
-        ::setenv("XDG_RUNTIME_DIR", m_folder.path().c_str(), 1);
-        ::unsetenv("BRANTEL_MESSAGE_DIRECTORY");
-    }
-
     DiagnosticsCapture m_diagnostics{WARNINGS};
-    TemporaryDirectory m_folder;
+    RuntimeDirectory m_folder;
 };
 
 #endif

@@ -4,14 +4,13 @@
 // Services, callers and receivers of answers for the tests of the message framework. A payload is one text.
 
 #include <chrono>
-#include <exception>
 #include <functional>
-#include <future>
+#include <memory>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
+#include "brantel/testing/ComponentThread.h"
 #include "icsc/OBappsToICSC_1_0_C.h"
 #include "icsc/OBappsToICSC_1_0_P.h"
 #include "icsc/OBappsToICSC_1_0_PR.h"
@@ -60,45 +59,22 @@ class ServedCard {
 public:
     explicit ServedCard(const std::string& serviceName, const TestCard::Handler& onRead = nullptr,
                         const std::string& directoryFile = "")
+        : m_thread(
+              "card",
+              [&](OBcomponent& component) {
+                  const auto pCard = std::make_shared<TestCard>(component, serviceName.c_str(), onRead);
+                  m_endpoint = pCard->endpoint();
+                  return pCard;
+              },
+              directoryFile)
     {
-        std::promise<std::string> endpoint;
-        std::future<std::string> served = endpoint.get_future();
-        std::promise<OBcomponent*> component;
-        std::future<OBcomponent*> running = component.get_future();
-        m_thread = std::thread([&endpoint, &component, serviceName, onRead, directoryFile] {
-            try {
-                OBcomponent own = directoryFile.empty() ? OBcomponent("card") : OBcomponent("card", directoryFile);
-                const TestCard card(own, serviceName.c_str(), onRead);
-                component.set_value(&own);
-                endpoint.set_value(card.endpoint());
-                own.run();
-            } catch (...) {
-                endpoint.set_exception(std::current_exception());
-            }
-        });
-        try {
-            m_endpoint = served.get();
-        } catch (...) {
-            m_thread.join();
-            throw;
-        }
-        m_pComponent = running.get();
     }
-
-    ~ServedCard()
-    {
-        m_pComponent->stop();
-        m_thread.join();
-    }
-    ServedCard(const ServedCard&) = delete;
-    ServedCard& operator=(const ServedCard&) = delete;
 
     const std::string& endpoint() const { return m_endpoint; }
 
 private:
-    OBcomponent* m_pComponent = nullptr;
     std::string m_endpoint;
-    std::thread m_thread;
+    brantelTesting::ComponentThread m_thread;
 };
 
 // What a call returned, as one text to compare.

@@ -1,4 +1,4 @@
-#include "support/Diagnostics.h"
+#include "brantel/testing/Diagnostics.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -9,6 +9,7 @@
 
 #include <syslog.h>
 
+namespace brantelTesting {
 namespace {
 
 // What every line of the library starts with, after its tag.
@@ -57,17 +58,12 @@ bool startsWith(const std::string& text, const std::string& start)
     return text.compare(0, start.size(), start) == 0;
 }
 
-}  // namespace
-
-// Replaces the C library's in the whole test program.
-// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
-extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format, ...)
+// A call of syslog. Lines of the library are recorded without their source line.
+void captureLine(int priority, const char* format, va_list arguments)
 {
     const std::string formatText = format;
     const std::size_t posPrefix = formatText.find(PREFIX);
     std::string text;
-    va_list arguments;
-    va_start(arguments, format);
     if (posPrefix == std::string::npos) {
         text = formatted(format, arguments);
     } else {
@@ -78,9 +74,10 @@ extern "C" __attribute__((visibility("default"))) void syslog(int priority, cons
         text = (line > 0) ? taggedText(formatText.substr(0, posPrefix), file, function, message)
                           : "line without a source line";
     }
-    va_end(arguments);
     capture(capturedLine(priority, formatText, text));
 }
+
+}  // namespace
 
 std::string errorLine(const std::string& file, const std::string& function, const std::string& format,
                       const std::string& message)
@@ -158,4 +155,27 @@ Diagnostics DiagnosticsCapture::take()
 {
     const std::lock_guard<std::mutex> lock(capturedMutex);
     return std::exchange(captured, {});
+}
+
+}  // namespace brantelTesting
+
+// Replaces the C library's in the whole test program.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
+extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    brantelTesting::captureLine(priority, format, arguments);
+    va_end(arguments);
+}
+
+// What calls of syslog become where they are compiled with _FORTIFY_SOURCE.
+// NOLINTNEXTLINE: the name and its parameters are the C library's
+extern "C" __attribute__((visibility("default"), format(printf, 3, 4))) void __syslog_chk(int priority, int /*flag*/,
+                                                                                          const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    brantelTesting::captureLine(priority, format, arguments);
+    va_end(arguments);
 }

@@ -1,21 +1,23 @@
-#include "support/TemporaryDirectory.h"
+#include "brantel/testing/TemporaryDirectory.h"
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
+
+namespace brantelTesting {
 
 TemporaryDirectory::TemporaryDirectory() : m_path(std::filesystem::temp_directory_path() / "brantel-test-XXXXXX")
 {
-    if (mkdtemp(m_path.data()) == nullptr) {
+    if (::mkdtemp(m_path.data()) == nullptr) {
         throw std::runtime_error("cannot make a temporary directory");
     }
 }
 
 TemporaryDirectory::~TemporaryDirectory()
 {
-    std::filesystem::remove_all(m_path);
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
 }
 
 std::string TemporaryDirectory::write(const std::string& name, const std::string& content) const
@@ -26,9 +28,10 @@ std::string TemporaryDirectory::write(const std::string& name, const std::string
     return path;
 }
 
-std::string contentOf(const std::string& path)
+RuntimeDirectory::RuntimeDirectory()
 {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
+    ::setenv("XDG_RUNTIME_DIR", path().c_str(), 1);
+    ::unsetenv("BRANTEL_MESSAGE_DIRECTORY");
 }
+
+}  // namespace brantelTesting
