@@ -35,7 +35,8 @@
 // no type.
 //
 // The RuleObject does not have the word "signed" or "unsigned": the component keeps it with the object and calls the
-// instantiation that it names (EventMgmtRulesCppObjects.h).
+// instantiation that it names (EventMgmtRulesCppObjects.h). RuleDiagnosis.h answers which one that is, whether an
+// object can be evaluated, and why a text is refused; here only the log says so.
 //
 // Only parseRule and isValidRule remove blanks and convert to lower case; the inner functions see a text as it is.
 //

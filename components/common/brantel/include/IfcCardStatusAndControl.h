@@ -22,8 +22,7 @@
 //         }
 //     }
 //
-//     convertTlvsToOidTypeValueMap(slot, nextTlvs, values, nullptr);  // false: the map has these OIDs already; first
-//                                                                     // values.clear()
+//     convertTlvsToOidTypeValueMap(slot, nextTlvs, values, nullptr);  // false: values has these OIDs already
 //
 //     buffer_t request;
 //     convertOidTypeValueContainerToTlvs({{1, OID_TYPE_BOOL, 1}}, request);  // false, with a report: not a bool
@@ -106,11 +105,11 @@ BRANTEL_EXPORT bool convertOidTypeValueContainerToTlvs(const OidTypeValueContain
 /// buffer_t throws when the stream ends within the count or the first element; `oid` is unchanged then, too.
 BRANTEL_EXPORT bool extractFirstOidFromTlvs(std::uint32_t slot, const buffer_t& tlvs, std::uint32_t& oid);
 
-/// Adds the values of a stream to `values`, which should be empty: one that still has the values of the answer before
-/// refuses them as duplicates. With `requestedOids`, the stream must carry as many values as that holds, and no OID
-/// that it does not hold; null accepts any. `slot` is used in error lines only. A MAC address that is not 6 bytes long
-/// is reported and taken: bytes past the sixth are dropped, missing ones are 0xEE. Returns false, after an error line,
-/// for
+/// Adds the values of a stream to `values`, which should be empty: the OIDs of the answer before are refused as
+/// duplicates (icsc::decodeAnswer in IcscReading.h empties it). With `requestedOids`, the stream must carry as many
+/// values as that holds, and no OID that it does not hold; null accepts any. `slot` is used in error lines only. A MAC
+/// address that is not 6 bytes long is reported and taken: bytes past the sixth are dropped, missing ones are 0xEE.
+/// Returns false, after an error line, for
 ///     an empty stream or a count other than requested: `values` is unchanged;
 ///     an OID that was not requested, an unknown type code, an OID that the stream carries twice or `values` had
 ///     before, a stream that ends too early: `values` is emptied, earlier records included.
