@@ -43,7 +43,8 @@
 // A null output pointer means that the call only checks: every check runs, nothing is stored. What was stored before a
 // fault was found stays; discard the object when a call returns false. A fault is logged once, as an error, by the
 // function that finds it. A number out of range raises boost::bad_lexical_cast in the inner functions; parseRule turns
-// it into error lines and false. No function keeps state; all may run on any thread.
+// it into error lines and false. Each line is one dynamic call of syslog, so a program that wants to see the lines
+// defines that function. No function keeps state; all may run on any thread.
 
 #include <string>
 #include <vector>
