@@ -239,7 +239,7 @@ bool CardDouble::waitForRequests(std::size_t count, std::chrono::milliseconds ti
 
 CardThread::CardThread(std::uint32_t slot)
     : m_thread("card double", [this, slot](OBcomponent& component) {
-          const auto pCard = std::make_shared<CardDouble>(component, slot);
+          auto pCard = std::make_shared<CardDouble>(component, slot);
           m_pCard = pCard.get();
           return pCard;
       })

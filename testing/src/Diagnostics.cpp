@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <iterator>
 #include <mutex>
+#include <string_view>
 #include <utility>
 
 #include <syslog.h>
@@ -13,7 +14,7 @@ namespace brantelTesting {
 namespace {
 
 // What every line of the library starts with, after its tag.
-const std::string PREFIX = " %s:%d (%s) - ";
+constexpr std::string_view PREFIX = " %s:%d (%s) - ";
 
 std::mutex capturedMutex;
 Diagnostics captured;
@@ -50,7 +51,7 @@ std::string capturedLine(int priority, const std::string& format, const std::str
 std::string taggedLine(int priority, const std::string& tag, const std::string& file, const std::string& function,
                        const std::string& format, const std::string& message)
 {
-    return capturedLine(priority, tag + PREFIX + format, taggedText(tag, file, function, message));
+    return capturedLine(priority, tag + std::string(PREFIX) + format, taggedText(tag, file, function, message));
 }
 
 bool startsWith(const std::string& text, const std::string& start)

@@ -121,6 +121,7 @@ TEST_F(CardInAThread, AnswersWithTheResultThatItWasTold)
     EXPECT_EQ(read({1, 2}), "result 12");
     m_card->setResultOf(2, icsc::RESULT_OK);
     EXPECT_EQ(read({2}), "result 0; 2: 9, string 'fan'");
+    EXPECT_EQ(read({2, 99}), "result 7");
 }
 
 TEST_F(CardInAThread, RefusesAnAnswerThatIsTooLarge)

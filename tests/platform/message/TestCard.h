@@ -62,7 +62,7 @@ public:
         : m_thread(
               "card",
               [&](OBcomponent& component) {
-                  const auto pCard = std::make_shared<TestCard>(component, serviceName.c_str(), onRead);
+                  auto pCard = std::make_shared<TestCard>(component, serviceName.c_str(), onRead);
                   m_endpoint = pCard->endpoint();
                   return pCard;
               },

@@ -43,7 +43,7 @@ template <typename T, typename Number>
 bool isInRange(Number number)
 {
     if constexpr (std::is_signed_v<Number>) {
-        const long long wide = number;
+        const long long wide = number;  // NOLINT(bugprone-signed-char-misuse): it is a number
         return (wide >= std::numeric_limits<T>::min()) && (wide <= std::numeric_limits<T>::max());
     } else {
         const unsigned long long wide = number;
