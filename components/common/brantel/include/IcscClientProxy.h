@@ -93,9 +93,10 @@ public:
     ///     -1            the call failed, or its answer could not be decoded (convertTlvsToOidTypeValueMap describes
     ///                   what `values` holds then)
     ///     result code   the framework or the card refused; `values` is unchanged
-    /// Use a fresh or cleared map for each call: an OID that `values` already has, as from the reading before, makes
-    /// the answer fail as a duplicate and empties the map. The call fails with an OID that `oids` has twice, too. More
-    /// than 255 OIDs do not fit into a request: what buffer_t throws goes to the caller.
+    /// Use a fresh or cleared map for each call, or icsc::readOids (IcscReading.h): an OID that `values` already has,
+    /// as from the reading before, makes the answer fail as a duplicate and empties the map. The call fails with an OID
+    /// that `oids` has twice, too. More than 255 OIDs do not fit into a request: what buffer_t throws goes to the
+    /// caller.
     std::int32_t getOidsSync(std::uint32_t slot, const ObjectIdContainer& oids, OidTypeValueMap& values);
 
     /// Sends a request to read `oids`, and returns at once, whether the card is there or not. The answer goes to the
