@@ -13,13 +13,12 @@ TEST_F(BothLibraries, LogByTheSameTraceObject)
 {
     std::uint32_t oid = 0;
     const auto act = [&oid] { return vemorRules::isValidRule("x") || extractFirstOidFromTlvs(3, buffer_t(), oid); };
-    expectAtEveryTraceLevel(
-        act, false,
-        {debugLine("EventMgmtRulesParsing.cpp", "parseRule", "part %d = '%s'", "part 0 = 'x'"),
-         errorLine("EventMgmtRulesParsing.cpp", "parseRule", "Failed to parse part = '%s' of rule = '%s'",
-                   "Failed to parse part = 'x' of rule = 'x'"),
-         errorLine("IfcCardStatusAndControl.cpp", "extractFirstOidFromTlvs", "slot=%d: tlvs are empty",
-                   "slot=3: tlvs are empty")});
+    const SourceLines parser("EventMgmtRulesParsing.cpp");
+    const SourceLines codec("IfcCardStatusAndControl.cpp");
+    expectAtEveryTraceLevel(act, false,
+                            {parser.debug("parseRule", "part %d = '%s'", 0, "x"),
+                             parser.error("parseRule", "Failed to parse part = '%s' of rule = '%s'", "x", "x"),
+                             codec.error("extractFirstOidFromTlvs", "slot=%d: tlvs are empty", 3)});
 }
 
 }  // namespace

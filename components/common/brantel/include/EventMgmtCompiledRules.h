@@ -86,7 +86,7 @@ private:
     bool isPlain(Plain plain) const noexcept { return __builtin_expect(m_plain == plain, true); }
     bool hysteresisState(std::size_t keeping, std::uint32_t sample, bool previousState) const noexcept
     {
-        // Without a branch on the sample, which nobody can predict.
+        // Without a branch on the sample, which cannot be predicted.
         const bool keeps = m_intervals[keeping].contains(sample);
         const bool raises = m_intervals[keeping + 1].contains(sample);
         return bool(raises | (keeps & previousState));
