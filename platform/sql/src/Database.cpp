@@ -44,7 +44,14 @@ std::string quotedPath(const std::string& path)
     return "'" + path + "'";
 }
 
-Error explained(const std::string& path, const SQLite::Exception& error)
+// With the cause if SQLite cannot open a file: `systemError`, an errno or 0.
+std::string detailOf(const SQLite::Exception& error, int code, int systemError)
+{
+    return ((code == SQLITE_CANTOPEN) && (systemError != 0)) ? std::generic_category().message(systemError)
+                                                             : error.what();
+}
+
+Error explained(const std::string& path, const SQLite::Exception& error, int systemError)
 {
     constexpr int primaryCodeBits = 0xff;
     const int code = error.getErrorCode() & primaryCodeBits;
@@ -53,18 +60,8 @@ Error explained(const std::string& path, const SQLite::Exception& error)
     if (pExplanation == explanations.end()) {
         return Error(Problem::OTHER, quotedPath(path) + ": " + error.what());
     }
-    return Error(pExplanation->problem, quotedPath(path) + " " + pExplanation->text + " (" + error.what() + ")");
-}
-
-// Does what `operation` does, and throws in this library's terms.
-template <typename Operation>
-auto explainingErrors(const std::string& path, const Operation& operation) -> std::invoke_result_t<Operation>
-{
-    try {
-        return operation();
-    } catch (const SQLite::Exception& error) {
-        throw explained(path, error);
-    }
+    return Error(pExplanation->problem,
+                 quotedPath(path) + " " + pExplanation->text + " (" + detailOf(error, code, systemError) + ")");
 }
 
 std::string quotedName(const std::string& name)
@@ -213,6 +210,16 @@ std::string fileName(const std::string& path)
     return (path.rfind('/', 0) == 0) ? path : "./" + path;
 }
 
+// The errno of a database that cannot be opened: opened once more, because its SQLite::Database is gone; 0 if it can.
+int systemErrorOfOpening(const std::string& path, int flags)
+{
+    sqlite3* pDatabase = nullptr;
+    sqlite3_open_v2(fileName(path).c_str(), &pDatabase, flags, nullptr);
+    const int error = sqlite3_system_errno(pDatabase);
+    sqlite3_close(pDatabase);
+    return error;
+}
+
 SQLite::Database opened(const std::string& path, int flags, int waitTime)
 {
     std::error_code error;
@@ -224,7 +231,11 @@ SQLite::Database opened(const std::string& path, int flags, int waitTime)
         throw Error(Problem::OTHER,
                     quotedPath(path) + " is not a regular file");  // opening a FIFO waits for its writer
     }
-    return explainingErrors(path, [&] { return SQLite::Database(fileName(path), flags, waitTime); });
+    try {
+        return SQLite::Database(fileName(path), flags, waitTime);
+    } catch (const SQLite::Exception& failure) {
+        throw explained(path, failure, systemErrorOfOpening(path, flags));
+    }
 }
 
 bool isEmptyDatabase(const SQLite::Database& database)
@@ -271,6 +282,17 @@ struct Database::Connection {
     {
     }
 
+    // Does what `operation` does, and throws in this library's terms.
+    template <typename Operation>
+    auto explainingErrors(const Operation& operation) const -> std::invoke_result_t<Operation>
+    {
+        try {
+            return operation();
+        } catch (const SQLite::Exception& error) {
+            throw explained(path, error, sqlite3_system_errno(database.getHandle()));
+        }
+    }
+
     std::string path;
     bool isForWriting;
     SQLite::Database database;
@@ -291,7 +313,7 @@ Database::Database(const std::string& path, const Identity& identity, Access acc
         m_pConnection = std::make_unique<Connection>(path, SQLITE_OPEN_READONLY, waitTime);
     }
     try {
-        explainingErrors(path, [&] { requireIdentity(path, m_pConnection->database, identity); });
+        m_pConnection->explainingErrors([&] { requireIdentity(path, m_pConnection->database, identity); });
     } catch (const Error& error) {
         if (error.problem() != Problem::READ_ONLY) {
             throw;
@@ -310,7 +332,7 @@ Database Database::create(const std::string& path, const Identity& identity, con
 {
     Database created(std::make_unique<Connection>(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, WRITE_WAIT_MS));
     SQLite::Database& database = created.m_pConnection->database;
-    explainingErrors(path, [&] {
+    created.m_pConnection->explainingErrors([&] {
         if (!isEmptyDatabase(database)) {
             requireIdentity(path, database, identity);
         }
@@ -347,7 +369,7 @@ const std::string& Database::path() const
 
 std::optional<std::string> Database::differenceFrom(const TableDefinition& table) const
 {
-    return explainingErrors(path(), [&]() -> std::optional<std::string> {
+    return m_pConnection->explainingErrors([&]() -> std::optional<std::string> {
         const std::string inTable = "table '" + table.name + "': ";
         SQLite::Statement found(m_pConnection->database,
                                 "SELECT name, type, \"notnull\", pk FROM pragma_table_info(?) ORDER BY cid");
@@ -379,7 +401,7 @@ std::optional<std::string> Database::differenceFrom(const TableDefinition& table
 
 std::vector<std::string> Database::findDamage() const
 {
-    return explainingErrors(path(), [&] {
+    return m_pConnection->explainingErrors([&] {
         std::vector<std::string> damage;
         SQLite::Statement check(m_pConnection->database, "PRAGMA integrity_check");
         while (check.executeStep()) {
@@ -391,7 +413,7 @@ std::vector<std::string> Database::findDamage() const
 
 std::vector<std::string> Database::findAttachments(const std::vector<TableDefinition>& tables) const
 {
-    return explainingErrors(path(), [&] {
+    return m_pConnection->explainingErrors([&] {
         std::vector<std::string> attachments;
         // An index without a statement is part of its table: that of the key.
         SQLite::Statement found(
@@ -412,7 +434,7 @@ std::vector<std::string> Database::findAttachments(const std::vector<TableDefini
 
 bool Database::hasConstraintsOf(const TableDefinition& table) const
 {
-    return explainingErrors(path(), [&] {
+    return m_pConnection->explainingErrors([&] {
         SQLite::Statement found(m_pConnection->database,
                                 "SELECT sql FROM sqlite_schema WHERE type = 'table' AND name = ?");
         found.bind(1, table.name);
@@ -421,19 +443,20 @@ bool Database::hasConstraintsOf(const TableDefinition& table) const
 }
 
 struct Transaction::State {
-    explicit State(Database::Connection& connection)
-        : path(connection.path),
+    explicit State(Database::Connection& databaseConnection)
+        : connection(databaseConnection),
           transaction(connection.database, connection.isForWriting ? SQLite::TransactionBehavior::IMMEDIATE
                                                                    : SQLite::TransactionBehavior::DEFERRED)
     {
     }
 
-    const std::string& path;
+    Database::Connection& connection;
     SQLite::Transaction transaction;
 };
 
 Transaction::Transaction(Database& database)
-    : m_pState(explainingErrors(database.path(), [&] { return std::make_unique<State>(*database.m_pConnection); }))
+    : m_pState(
+          database.m_pConnection->explainingErrors([&] { return std::make_unique<State>(*database.m_pConnection); }))
 {
 }
 
@@ -441,7 +464,7 @@ Transaction::~Transaction() = default;
 
 void Transaction::commit()
 {
-    explainingErrors(m_pState->path, [&] { m_pState->transaction.commit(); });
+    m_pState->connection.explainingErrors([&] { m_pState->transaction.commit(); });
 }
 
 struct Table::State {
@@ -512,7 +535,7 @@ struct Table::State {
 
     void visitKeyPairs(const std::string& query, const KeyPairVisitor& visit) const
     {
-        explainingErrors(connection.path, [&] {
+        connection.explainingErrors([&] {
             SQLite::Statement statement(connection.database, query);
             while (statement.executeStep()) {
                 visit(statement.getColumn(0).getInt64(), statement.getColumn(1).getInt64());
@@ -557,7 +580,7 @@ void Table::insert(const Row& row)
         throw Error(Problem::CONSTRAINT, "table '" + name() + "' has " + std::to_string(columns().size()) +
                                              " columns, the row has " + std::to_string(row.size()) + " values");
     }
-    explainingErrors(m_pState->connection.path, [&] {
+    m_pState->connection.explainingErrors([&] {
         std::optional<SQLite::Statement>& insertion = m_pState->insertion;
         if (!insertion) {
             insertion.emplace(m_pState->connection.database, m_pState->insertStatement());
@@ -575,7 +598,7 @@ std::int64_t Table::update(const ColumnValues& changes, const ColumnValues& wher
     if (changes.empty()) {
         throw Error(Problem::OTHER, "an update of table '" + name() + "' changes no column");
     }
-    return explainingErrors(m_pState->connection.path, [&]() -> std::int64_t {
+    return m_pState->connection.explainingErrors([&]() -> std::int64_t {
         SQLite::Statement statement(m_pState->connection.database,
                                     "UPDATE " + quotedName(name()) + m_pState->clause(changes, " SET ", ", ", " = ?") +
                                         m_pState->whereClause(where));
@@ -587,7 +610,7 @@ std::int64_t Table::update(const ColumnValues& changes, const ColumnValues& wher
 
 std::int64_t Table::remove(const ColumnValues& where)
 {
-    return explainingErrors(m_pState->connection.path, [&]() -> std::int64_t {
+    return m_pState->connection.explainingErrors([&]() -> std::int64_t {
         SQLite::Statement statement(m_pState->connection.database,
                                     "DELETE FROM " + quotedName(name()) + m_pState->whereClause(where));
         bind(statement, 1, where);
@@ -604,7 +627,7 @@ std::vector<Row> Table::select(const ColumnValues& where) const
 
 void Table::forEach(const ColumnValues& where, const std::function<void(const Row&)>& visit) const
 {
-    explainingErrors(m_pState->connection.path, [&] {
+    m_pState->connection.explainingErrors([&] {
         SQLite::Statement statement(m_pState->connection.database, "SELECT " + m_pState->columnList() + " FROM " +
                                                                        quotedName(name()) +
                                                                        m_pState->whereClause(where) + " ORDER BY 1");
@@ -615,7 +638,7 @@ void Table::forEach(const ColumnValues& where, const std::function<void(const Ro
 
 std::int64_t Table::count(const ColumnValues& where) const
 {
-    return explainingErrors(m_pState->connection.path, [&] {
+    return m_pState->connection.explainingErrors([&] {
         SQLite::Statement statement(m_pState->connection.database,
                                     "SELECT count(*) FROM " + quotedName(name()) + m_pState->whereClause(where));
         bind(statement, 1, where);
@@ -626,7 +649,7 @@ std::int64_t Table::count(const ColumnValues& where) const
 
 std::int64_t Table::largestKey() const
 {
-    return explainingErrors(m_pState->connection.path, [&] {
+    return m_pState->connection.explainingErrors([&] {
         return firstNumber(m_pState->connection.database,
                            "SELECT ifnull(max(" + m_pState->keyName() + "), 0) FROM " + quotedName(name()));
     });
@@ -634,7 +657,7 @@ std::int64_t Table::largestKey() const
 
 std::int64_t Table::firstFreeKey(std::int64_t lowest) const
 {
-    return explainingErrors(m_pState->connection.path, [&] {
+    return m_pState->connection.explainingErrors([&] {
         SQLite::Statement statement(m_pState->connection.database, "SELECT " + m_pState->keyName() + " FROM " +
                                                                        quotedName(name()) + " WHERE " +
                                                                        m_pState->keyName() + " >= ? ORDER BY 1");
@@ -649,7 +672,7 @@ std::int64_t Table::firstFreeKey(std::int64_t lowest) const
 
 void Table::forEachInRange(std::int64_t first, std::int64_t last, const std::function<void(const Row&)>& visit) const
 {
-    explainingErrors(m_pState->connection.path, [&] {
+    m_pState->connection.explainingErrors([&] {
         SQLite::Statement statement(m_pState->connection.database,
                                     "SELECT " + m_pState->columnList() + " FROM " + quotedName(name()) + " WHERE " +
                                         m_pState->keyName() + " BETWEEN ? AND ? ORDER BY 1");
@@ -661,7 +684,7 @@ void Table::forEachInRange(std::int64_t first, std::int64_t last, const std::fun
 
 std::int64_t Table::removeRange(std::int64_t first, std::int64_t last)
 {
-    return explainingErrors(m_pState->connection.path, [&]() -> std::int64_t {
+    return m_pState->connection.explainingErrors([&]() -> std::int64_t {
         SQLite::Statement statement(m_pState->connection.database, "DELETE FROM " + quotedName(name()) + " WHERE " +
                                                                        m_pState->keyName() + " BETWEEN ? AND ?");
         statement.bind(1, first);

@@ -256,6 +256,24 @@ TEST_F(DatabaseFile, ThatIsReadOnlyIsNotOpenedForWriting)
     EXPECT_EQ(failureOf([&] { createBooks(); }), problem(Problem::READ_ONLY, "is read-only"));
 }
 
+TEST_F(DatabaseFile, ThatCannotBeOpenedNamesTheCause)
+{
+    const Database creator = createBooks();
+    std::filesystem::permissions(m_directory.path(), std::filesystem::perms(0777));
+    const Failure failure = problem(Problem::OTHER, "cannot be opened (Permission denied)");
+    for (const char* const part : {"-wal", ""}) {
+        std::filesystem::permissions(m_path, std::filesystem::perms(0666));
+        std::filesystem::permissions(m_path + "-shm", std::filesystem::perms(0666));
+        std::filesystem::permissions(m_path + part, std::filesystem::perms(0));
+        const WithoutRoot withoutRoot;
+        if (!withoutRoot.succeeded) {
+            GTEST_SKIP() << "cannot give up root's rights";
+        }
+        EXPECT_EQ(failureOf([&] { openForReading(); }), failure) << part;
+        EXPECT_EQ(failureOf([&] { openForWriting(); }), failure) << part;
+    }
+}
+
 TEST_F(DatabaseFile, InAFolderThatMayNotBeWrittenCannotBeRead)
 {
     createBooks();
