@@ -1,7 +1,8 @@
-// Cards with misbehaving callers, and commands that may open few files.
+// Cards with misbehaving callers, and commands that may open few files or have little memory.
 
 #include <algorithm>
 #include <csignal>
+#include <set>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -29,6 +30,13 @@ constexpr bool IS_SANITIZED = false;
 std::vector<std::string> withFiles(std::size_t files, const std::string& arguments)
 {
     return {"-c", "ulimit -n " + std::to_string(files) + "; exec " + BRANTEL_COMMAND + " " + arguments};
+}
+
+// The command with a limit of memory, in KiB, and with stacks of a size that does not depend on the caller's.
+std::vector<std::string> withMemory(std::size_t kilobytes, const std::string& arguments)
+{
+    return {"-c",
+            "ulimit -s 8192; ulimit -v " + std::to_string(kilobytes) + "; exec " + BRANTEL_COMMAND + " " + arguments};
 }
 
 class CardPeers : public testing::Test {
@@ -114,6 +122,42 @@ TEST_F(CardPeers, WithFewFilesACommandSaysSoOrDoesAllOfItsWork)
                 << arguments << ", files: " << files << "\n"
                 << message;
         }
+    }
+}
+
+// Below the least memory that it works with, a command is not loaded, or ends as an error.
+TEST_F(CardPeers, WithLittleMemoryACommandSaysSoOrDoesItsWork)
+{
+    if (IS_SANITIZED) {
+        GTEST_SKIP() << "the sanitizer itself needs memory";
+    }
+    constexpr int NOT_LOADED = 127;
+    constexpr std::size_t ENOUGH = 400000;
+    const auto pCard = m_node.startCard(3, {});
+    m_node.run({"db", "card", "enable", "3", "--type", "1"});
+    m_node.run({"db", "allow", "add", "--slot", "3", "0x0001000F", "expr=signed(value>90)"});
+    for (const char* const arguments : {"get 3 card.led", "watch 3 card.led --count 1", "card list", "card --slot 3",
+                                        "monitor --cycles 1 --interval 50ms"}) {
+        std::set<std::string> messages;
+        CommandResult result = {NOT_LOADED, "", ""};
+        const auto isDone = [&] {
+            return (result.exitCode == 0) || (result.err.find("already served") != std::string::npos);
+        };
+        for (std::size_t kilobytes = 24000; !isDone() && (kilobytes < ENOUGH); kilobytes += 1000) {
+            result = shell(withMemory(kilobytes, arguments));
+            if (!isDone() && (result.exitCode != NOT_LOADED)) {
+                EXPECT_EQ(result.exitCode, 2) << arguments << ", KiB: " << kilobytes << "\n" << result;
+                EXPECT_EQ(result.out, "") << arguments << ", KiB: " << kilobytes;
+                messages.insert(result.err);
+            }
+        }
+        EXPECT_TRUE(isDone()) << arguments << "\n" << result;
+        EXPECT_EQ(messages.count("brantel: cannot start the threads of the message framework: Resource temporarily "
+                                 "unavailable\n"),
+                  1U)
+            << arguments;
+        EXPECT_EQ(messages.count("brantel: there is no memory for the message framework: Cannot allocate memory\n"), 1U)
+            << arguments;
     }
 }
 

@@ -1,11 +1,11 @@
 #include "ClientGate.h"
 
-#include <csignal>
 #include <vector>
 
 #include <zmq.h>
 
 #include "Log.h"
+#include "SignalsBlocked.h"
 
 namespace obmessage {
 namespace {
@@ -44,23 +44,6 @@ std::string textOfKey(const std::string& key)
     }
     return text;
 }
-
-// The program's signals are for the program's own threads.
-class SignalsBlocked {
-public:
-    SignalsBlocked()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_BLOCK, &all, &m_before);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t m_before{};
-};
 
 }  // namespace
 

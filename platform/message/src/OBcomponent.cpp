@@ -5,9 +5,9 @@
 #include <exception>
 #include <string_view>
 
-#include "Descriptors.h"
 #include "Dispatcher.h"
 #include "LocalListener.h"
+#include "Sockets.h"
 
 namespace {
 
@@ -35,7 +35,7 @@ OBcomponent::~OBcomponent() = default;
 
 void OBcomponent::requireRoomFor(std::size_t nProxies)
 {
-    obmessage::requireDescriptors(obmessage::DESCRIPTORS_OF_CONTEXT + nProxies * obmessage::DESCRIPTORS_OF_CALLER);
+    obmessage::requireRoomForCallers(nProxies);
 }
 
 const std::string& OBcomponent::name() const

@@ -13,10 +13,10 @@
 
 #include "ClientGate.h"
 #include "ConnectionCap.h"
-#include "Descriptors.h"
 #include "Directory.h"
 #include "Keys.h"
 #include "LocalListener.h"
+#include "Resources.h"
 
 namespace obmessage {
 namespace {
@@ -52,16 +52,28 @@ public:
     /// With room for a socket and its connections, which need this many `descriptors`.
     static std::shared_ptr<Context> ofProcess(std::size_t descriptors)
     {
-        static std::mutex mutex;
-        static std::weak_ptr<Context> existing;
-        const std::lock_guard<std::mutex> lock(mutex);
-        std::shared_ptr<Context> pContext = existing.lock();
-        requireDescriptors(descriptors + ((pContext == nullptr) ? DESCRIPTORS_OF_CONTEXT : 0));
-        if (pContext == nullptr) {
+        const std::lock_guard<std::mutex> lock(existing().mutex);
+        std::shared_ptr<Context> pContext = existing().pContext.lock();
+        const bool isNew = pContext == nullptr;
+        requireDescriptors(descriptors + (isNew ? DESCRIPTORS_OF_CONTEXT : 0));
+        if (isNew) {
+            requireThreads(THREADS);
+        }
+        requireMemory(MEMORY_OF_SOCKET + (isNew ? MEMORY_OF_CONTEXT : 0));
+        if (isNew) {
             pContext = std::make_shared<Context>();
-            existing = pContext;
+            existing().pContext = pContext;
         }
         return pContext;
+    }
+
+    /// Throws std::runtime_error if there is none yet and its threads cannot be started.
+    static void requireThreadsIfNew()
+    {
+        const std::lock_guard<std::mutex> lock(existing().mutex);
+        if (existing().pContext.expired()) {
+            requireThreads(THREADS);
+        }
     }
 
     ~Context() { m_context.shutdown(); }  // which ends the gate's thread
@@ -80,7 +92,20 @@ public:
     }
 
 private:
-    zmq::context_t m_context{1};
+    static constexpr int IO_THREADS = 1;
+    static constexpr std::size_t THREADS = IO_THREADS + 1;  // ZeroMQ starts them with the first socket
+
+    struct Existing {
+        std::mutex mutex;
+        std::weak_ptr<Context> pContext;
+    };
+    static Existing& existing()
+    {
+        static Existing context;
+        return context;
+    }
+
+    zmq::context_t m_context{IO_THREADS};
     std::mutex m_gateMutex;
     std::optional<ClientGate> m_gate;
 };
@@ -196,6 +221,13 @@ bool hasEvent(const zmq::socket_t& socket, int event)
 }
 
 }  // namespace
+
+void requireRoomForCallers(std::size_t count)
+{
+    requireDescriptors(DESCRIPTORS_OF_CONTEXT + count * DESCRIPTORS_OF_CALLER);
+    Context::requireThreadsIfNew();
+    requireMemory(MEMORY_OF_CONTEXT + count * MEMORY_OF_SOCKET);
+}
 
 struct CallerSocket::Impl {
     Impl(const Route& route, ConnectionWatch::Events events) : watch(pContext->zmq(), socket, route, events) {}

@@ -19,6 +19,10 @@ namespace obmessage {
 
 using Clock = std::chrono::steady_clock;
 
+/// Throws std::runtime_error if the process lacks descriptors or memory for `count` CallerSockets or, before its first
+/// socket, cannot start ZeroMQ's threads.
+void requireRoomForCallers(std::size_t count);
+
 class CallerSocket {
 public:
     /// Starts to connect, now and whenever the connection is lost. Throws std::runtime_error if the route cannot be

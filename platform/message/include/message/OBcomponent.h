@@ -42,8 +42,8 @@ public:
     OBcomponent& operator=(const OBcomponent&) = delete;
 
     /// To be called before `nProxies` are made: throws std::runtime_error, which names the limit, if the process may
-    /// not open as many files as they and their connections need. A proxy without enough is not subscribed, or takes
-    /// its service for absent.
+    /// not open as many files as they and their connections need, has no memory for them, or cannot start the
+    /// framework's threads. A proxy without enough is not subscribed, or takes its service for absent.
     static void requireRoomFor(std::size_t nProxies);
 
     const std::string& name() const;

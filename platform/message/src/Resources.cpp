@@ -1,12 +1,20 @@
-#include "Descriptors.h"
+#include "Resources.h"
 
 #include <algorithm>
+#include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include <poll.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
+
+#include "SignalsBlocked.h"
+#include "SystemError.h"
 
 namespace obmessage {
 namespace {
@@ -35,6 +43,40 @@ void requireDescriptors(std::size_t count)
         throw std::runtime_error("too many open files: " + std::to_string(count) + " more are needed, and " +
                                  std::to_string(nFree) + " of " + std::to_string(limit.rlim_cur) +
                                  " are left (ulimit -n)");
+    }
+}
+
+void requireMemory(std::size_t size)
+{
+    void* const pMemory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pMemory == MAP_FAILED) {
+        throwSystemError("there is no memory for the message framework");
+    }
+    ::munmap(pMemory, size);
+}
+
+// Starts them, all at once, and ends them. The C library keeps their stacks for the next threads.
+void requireThreads(std::size_t count)
+{
+    const SignalsBlocked signalsBlocked;
+    std::mutex mutex;
+    std::unique_lock<std::mutex> isStarting(mutex);
+    std::vector<std::thread> threads;
+    threads.reserve(count);
+    std::optional<int> error;
+    try {
+        while (threads.size() < count) {
+            threads.emplace_back([&mutex] { const std::lock_guard<std::mutex> untilAllAreStarted(mutex); });
+        }
+    } catch (const std::system_error& refusal) {
+        error = refusal.code().value();
+    }
+    isStarting.unlock();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    if (error) {
+        throwSystemError("cannot start the threads of the message framework", *error);
     }
 }
 
