@@ -33,20 +33,13 @@ public:
         std::optional<Colour> colour;
     };
 
-    /// The picture for a terminal of that height, at least a line shorter. Failures and raised rules come before
-    /// everything else.
+    /// The picture for a terminal of that height, at least a line shorter. If there is not enough room, raised rules
+    /// come first, then failing places, failing rules, places that work, events, and the other rules; a line counts the
+    /// places and rules that are left out.
     std::vector<Line> linesOf(const ConditionMonitor& monitor, const MonitorMetrics& metrics, std::size_t height) const;
 
-    struct RuleRows {
-        std::vector<std::vector<std::string>> rows;
-        std::size_t urgent = 0;  ///< how many of them, the first ones, are raised or failing
-    };
-
 private:
-    static std::vector<Line> placeLines(const ConditionMonitor& monitor, const MonitorMetrics& metrics,
-                                        std::size_t room, std::size_t urgentRules);
-    void addRulesAndEvents(std::vector<Line>& lines, const RuleRows& rules, std::size_t room) const;
-    static void addRules(std::vector<Line>& lines, const RuleRows& rules, std::size_t room, bool hasTitles);
+    void addEvents(std::vector<Line>& lines, std::size_t count) const;
 
     OutputQueue& m_output;
     const ResultOutput m_colours;
