@@ -44,6 +44,7 @@ public:
         if (row.needsRowIndex) {
             row.row.front() = 0;  // until the row is known to be right
         }
+        canonicaliseOid(*row.pTable, row.row);
         if (faults.empty()) {
             faults = faultsOfRow(*row.pTable, row.row);
         }

@@ -210,6 +210,17 @@ std::optional<std::string> canonicalOid(const std::string& text)
     return number ? std::optional(std::to_string(*number)) : std::nullopt;
 }
 
+void canonicaliseOid(const EventTable& table, sql::Row& row)
+{
+    const std::vector<sql::Field>& columns = table.columns();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        auto* const pText = std::get_if<std::string>(&row[i]);
+        if ((pText != nullptr) && (columns[i].name() == EvmDatabase::ALLOW_IGNORE_COLUMN_OID)) {
+            *pText = canonicalOid(*pText).value_or(*pText);
+        }
+    }
+}
+
 std::string valueText(const sql::Field& field, const sql::Value& value)
 {
     if (const auto* const pNumber = std::get_if<std::int64_t>(&value)) {

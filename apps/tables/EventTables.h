@@ -96,6 +96,10 @@ std::optional<RuleFault> faultOfStoredRule(const std::string& rule);
 /// not a number of 32 bits.
 std::optional<std::string> canonicalOid(const std::string& text);
 
+/// Brings the OID of a row that a person wrote, if there is one, into the form in which it is stored. A text that is
+/// not an OID stays, for faultsOfRow().
+void canonicaliseOid(const EventTable& table, sql::Row& row);
+
 /// A value for people: "true" or "false" in a BOOLEAN column; a value that no column may hold, unchanged.
 std::string valueText(const sql::Field& field, const sql::Value& value);
 

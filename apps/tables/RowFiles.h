@@ -7,8 +7,8 @@
 //     CSV   one table; the first row names its columns, in any order, and thereby the table
 //     JSON  an object with an array of rows under each table's name, a row being an object with a value per column
 //
-// Numbers are decimal, flags "true" and "false" (read from CSV also as 1 and 0). A row without a RowIndex gets the next
-// free one.
+// Numbers are decimal (read from CSV also hexadecimal after 0x), flags "true" and "false" (read from CSV also as 1 and
+// 0). A row without a RowIndex gets the next free one.
 
 #include <cstddef>
 #include <functional>

@@ -385,10 +385,10 @@ TEST_F(DbCommand, ImportsAllOfAFileOrNothing)
     const std::string rules =
         "ComponentID,OID,Rule\n"
         "7,1,expr=signed(value>1)\n"
-        "7,0x2,expr=signed(value=1)\n"
+        "7,two,expr=signed(value=1)\n"
         "x,3,\n";
     EXPECT_EQ(db({"import", "-"}, rules),
-              refused("standard input:3: OID: '0x2' is not an OID: write a decimal number from 0 to 4294967295 without "
+              refused("standard input:3: OID: 'two' is not an OID: write a decimal number from 0 to 4294967295 without "
                       "leading zeros\n"
                       "brantel: standard input:3: Rule:18: refused: '=' is not an operator\n"
                       "    expr=signed(value=1)\n"
@@ -398,6 +398,21 @@ TEST_F(DbCommand, ImportsAllOfAFileOrNothing)
                       "brantel: nothing is imported"));
     EXPECT_EQ(countOf("SysCardAllowEventsTable"), "0");
     EXPECT_EQ(countOf("NrOfRowsChangedTable"), "0");
+}
+
+TEST_F(DbCommand, StoresOidsInOneFormHoweverTheyAreWritten)
+{
+    init();
+    EXPECT_EQ(db({"ignore", "add", "--slot", "010", "010"}), fine("slot 10 OID 10 added to IfcCardsIgnoreEventsTable"));
+    EXPECT_EQ(db({"import", "-"}, "Slot,OID\n010,010\n011,0x00b\n11,011\n"), fine("1 row imported, 2 already there"));
+    EXPECT_EQ(db({"import", "-"}, R"({"IfcCardsIgnoreEventsTable": [{"Slot": 12, "OID": "0012"}]})"),
+              fine("1 row imported"));
+    EXPECT_EQ(db({"import", "-"}, "RowIndex,Slot,OID\n01,10,0XA\n"), fine("0 rows imported, 1 already there"));
+    EXPECT_EQ(db({"ignore", "list", "--slot", "10-12"}), fine("RowIndex  Slot  OID\n"
+                                                              "       1    10  10\n"
+                                                              "       3    11  11\n"
+                                                              "       4    12  12"));
+    EXPECT_EQ(db({"check"}), fine("events.db: nothing is wrong"));
 }
 
 TEST_F(DbCommand, ReplacesRowsOnRequestOnly)
