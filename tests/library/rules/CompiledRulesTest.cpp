@@ -180,12 +180,17 @@ TEST_F(CompiledRules, DoNotExistForWhatNoTextMakesOrTheChecksWouldReport)
     EXPECT_FALSE(areCompiled(valueRule({LOGICAL_OR, overFive, Expression(LOGICAL_OR, overFive, overFive)})));
     EXPECT_FALSE(areCompiled(valueRule({static_cast<RelationalOperator>(8), ParamField(), 5})));
     EXPECT_FALSE(areCompiled(valueRule({static_cast<RelationalOperator>(-1), ParamField(), 5})));
-    EXPECT_FALSE(areCompiled(
-        {SINGLE_HYSTERESIS,
-         {Expression(LOGICAL_OR, MemoryField(), overFive), Expression(LOGICAL_OR, MemoryField(), overFive)}}));
-    EXPECT_FALSE(areCompiled(
-        {SINGLE_HYSTERESIS,
-         {Expression(LOGICAL_AND, MemoryField(), overFive), Expression(LOGICAL_OR, overFive, MemoryField())}}));
+    const Expression keeping(LOGICAL_AND, MemoryField(), overFive);
+    const Expression raising(LOGICAL_OR, MemoryField(), overFive);
+    EXPECT_TRUE(areCompiled({SINGLE_HYSTERESIS, {keeping, raising}}));
+    for (const Expression& other :
+         {raising, Expression(LOGICAL_AND, overFive, MemoryField()), Expression(LOGICAL_AND, MemoryField(), 1)}) {
+        EXPECT_FALSE(areCompiled({SINGLE_HYSTERESIS, {other, raising}}));
+    }
+    for (const Expression& other :
+         {keeping, Expression(LOGICAL_OR, overFive, MemoryField()), Expression(LOGICAL_OR, MemoryField(), 1)}) {
+        EXPECT_FALSE(areCompiled({SINGLE_HYSTERESIS, {keeping, other}}));
+    }
     RuleObject halfDouble = ruleOf("expr=signed(hyshigh(1,2) hyslow(3,4))");
     halfDouble.m_expressions[0] = overFive;
     EXPECT_FALSE(areCompiled(halfDouble));
