@@ -7,12 +7,12 @@
 //     #error "needs brantel 0.2"
 //     #endif
 //
-//     std::puts(brantelVersion());  // the library that is loaded: "0.1.0"
+//     std::puts(brantelVersion());  // the library that is loaded: "0.2.0"
 
 #include "BrantelExport.h"
 
 #define BRANTEL_VERSION_MAJOR 0
-#define BRANTEL_VERSION_MINOR 1
+#define BRANTEL_VERSION_MINOR 2
 #define BRANTEL_VERSION_PATCH 0
 
 /// The version as one number to compare: 10000 for each major version, 100 for each minor one, 1 for each patch.

@@ -89,7 +89,7 @@ BRANTEL_EXPORT bool parseBasicExpression(const std::string& expr, bool isUnsigne
 BRANTEL_EXPORT bool parseHysteresisExpression(const std::string& expr, bool isUnsigned, RuleObject* pRuleObject);
 
 /// Parses the one hysteresis call whose word, "hyshigh" (`isHigh`) or "hyslow", starts at position `pos` of `expr`.
-/// Does not set the type of the rule.
+/// Does not set the type of the rule. "Hysteris", here and below, is how components know the name.
 BRANTEL_EXPORT bool parseSingleHysterisExpression(const std::string& expr, bool isUnsigned, unsigned int pos,
                                                   bool isHigh, RuleObject* pRuleObject);
 

@@ -27,15 +27,16 @@
 //
 // Slots are 0 to 9; every other slot is reported as a violated invariant. What a call does for a slot that is not
 // subscribed differs: getOidsSync reports it and returns 0, getOidsAsync reports it and returns false, and setOids is
-// undefined.
+// undefined. A component that does not know whether a slot is subscribed asks before it writes: in the stand-alone
+// edition, OBcomponent::isConnected is false for a service without a subscription.
 //
 // A card answers with a result code (Icsc.h): 0 is success; log lines name the others. OidValue.h makes the values to
 // write.
 //
-// Reads are synchronous or asynchronous, writes synchronous only. The answer to an asynchronous read names its slot
-// only by the service: request.serviceName() is icsc::serviceName(slot, icsc::Interface::ASYNC). By that name the
-// stand-alone edition's OBcomponent says whether the card is there, why it is not, and which number the last request
-// got:
+// Reads are synchronous or asynchronous, writes synchronous only; OBappsToICSC_1_0_P, by which the client reaches the
+// cards, also writes asynchronously. The answer to an asynchronous read names its slot only by the service:
+// request.serviceName() is icsc::serviceName(slot, icsc::Interface::ASYNC). By that name the stand-alone edition's
+// OBcomponent says whether the card is there, why it is not, and which number the last request got:
 //
 //     const std::string card3 = icsc::serviceName(3, icsc::Interface::ASYNC);
 //     if (component.isConnected(card3) && client.getOidsAsync(3, {0x00010003})) {

@@ -31,9 +31,10 @@
 namespace icsc {
 
 /// Reads `oids`, each of them once, from the card in `slot` and replaces what `values` holds; waits for the answer.
-/// Returns 0 exactly if `values` has a value for each OID, and otherwise leaves it empty and returns
-///     -1            the call failed, its answer could not be decoded, or there is no such slot or no synchronous
-///                   subscription to it (reported)
+/// Returns 0 exactly if `values` has a value for each OID, as it has if there are none, and otherwise leaves it empty
+/// and returns
+///     -1            the call failed, its answer could not be decoded, or OIDs were to be read where there is no such
+///                   slot or no synchronous subscription to it (reported)
 ///     result code   the framework or the card refused
 /// More than 255 OIDs do not fit into a request: what buffer_t throws goes to the caller.
 inline std::int32_t readOids(IcscClientProxy& client, std::uint32_t slot, const ObjectIdContainer& oids,
