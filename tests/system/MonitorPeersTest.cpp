@@ -142,9 +142,11 @@ TEST(MonitorPeers, AStoppedAndContinuedMonitorReportsNothing)
     const auto pMonitor = node.startMonitor();
     ASSERT_TRUE(waitUntil([&] { return node.count("readings_total", 3) >= 10; }, LONG_ENOUGH));
     pMonitor->send(SIGSTOP);
-    // Once a request that is made now has expired, so have all requests of the stopped monitor.
+    // Once a request that is made now has expired, so have all requests of the stopped monitor. The second one takes as
+    // long again, so that the monitor notices them more than a second late, which is how it knows that it was stopped.
     EXPECT_EQ(node.run({"get", "8", "1"}).exitCode, 1);
-    EXPECT_GE(silent.requests(), 1U);
+    EXPECT_EQ(node.run({"get", "8", "1"}).exitCode, 1);
+    EXPECT_GE(silent.requests(), 2U);
     pMonitor->send(SIGCONT);
     const double readings = node.count("readings_total", 3);
     EXPECT_TRUE(waitUntil([&] { return node.count("readings_total", 3) >= readings + 10; }, LONG_ENOUGH));
